@@ -1,0 +1,20 @@
+// Scalar expressions: a number, the sum of a vector, or one key of a task.
+#ifndef VQVEC_EVAL_SCALAR_EXPRESSION_HPP
+#define VQVEC_EVAL_SCALAR_EXPRESSION_HPP
+
+#include <string_view>
+
+#include "eval/pending_call.hpp"
+
+namespace vqvec {
+
+// The text must outlive the context, which keeps task texts as views of it. Literals and task keys
+// are finite; a sum need not be.
+double evaluate_scalar_expression(std::string_view text, EvalContext& context);
+
+// The same for an expression nested in another: begun here, carried on by evaluate().
+PendingCallPtr begin_scalar_expression(const Expression& expression, EvalContext& context);
+
+}  // namespace vqvec
+
+#endif  // VQVEC_EVAL_SCALAR_EXPRESSION_HPP

@@ -1,0 +1,117 @@
+#include "eval/task_glob.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <unordered_set>
+#include <utility>
+
+#include "dsl/lexical.hpp"
+
+namespace vqvec {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct SearchRoot {
+  fs::path directory;
+  bool keeps_path;  // matches are reported as paths below the root, else by their bare names
+};
+
+std::vector<SearchRoot> search_roots(const fs::path& pattern, const fs::path& working_directory) {
+  if (pattern.has_parent_path()) {
+    return {{pattern.parent_path(), true}};
+  }
+  return {{working_directory.parent_path(), false}, {working_directory, false}};
+}
+
+// The directories that a pattern matches, each once.
+class DirectorySearch {
+ public:
+  DirectorySearch(std::string name_pattern, fs::path working_directory)
+      : name_pattern_(std::move(name_pattern)), working_directory_(std::move(working_directory)) {}
+
+  // A root that is missing or can't be listed has no matches.
+  void search(const SearchRoot& root) {
+    const fs::path absolute_root = (working_directory_ / root.directory).lexically_normal();
+    std::error_code ignored;
+    for (const fs::directory_entry& entry : fs::directory_iterator(root.directory, ignored)) {
+      if (!entry.is_directory()) {  // asked before the name: a link that can't be judged fails
+        continue;
+      }
+      const std::string name = entry.path().filename().string();
+      if (wildcard_match(name_pattern_, name) &&
+          seen_.insert((absolute_root / name).string()).second) {
+        found_.push_back(root.keeps_path ? entry.path().string() : name);
+      }
+    }
+  }
+
+  std::vector<std::string> sorted() && {
+    std::sort(found_.begin(), found_.end());
+    return std::move(found_);
+  }
+
+ private:
+  std::string name_pattern_;
+  fs::path working_directory_;
+  std::unordered_set<std::string> seen_;  // absolute paths
+  std::vector<std::string> found_;
+};
+
+}  // namespace
+
+bool has_wildcard(std::string_view text) {
+  return text.find('*') != std::string_view::npos || text.find('?') != std::string_view::npos;
+}
+
+// The latest '*' can take up whatever an earlier one could, so only that one is ever tried again:
+// the answers of backtracking without its cost.
+bool wildcard_match(std::string_view pattern, std::string_view name) {
+  std::size_t in_pattern = 0;
+  std::size_t in_name = 0;
+  std::size_t behind_star = std::string_view::npos;
+  std::size_t star_end = 0;  // where in the name the latest '*' ends
+  while (in_name < name.size()) {
+    if (in_pattern < pattern.size() && pattern[in_pattern] == '*') {
+      behind_star = ++in_pattern;
+      star_end = in_name;
+    } else if (in_pattern < pattern.size() &&
+               (pattern[in_pattern] == '?' || pattern[in_pattern] == name[in_name])) {
+      ++in_pattern;
+      ++in_name;
+    } else if (behind_star != std::string_view::npos) {
+      in_pattern = behind_star;
+      in_name = ++star_end;
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', in_pattern) == std::string_view::npos;
+}
+
+std::vector<AtomVecRef> expand_task_glob(std::string_view pattern_text, TextPool& pool) {
+  const AtomVecRef ref = parse_atom_vec_ref(unquote_argument(pattern_text, pool));
+  if (!has_wildcard(ref.task)) {
+    return {ref};
+  }
+  const fs::path pattern(ref.task);
+  const fs::path working_directory = fs::current_path();
+  DirectorySearch search(pattern.filename().string(), working_directory);
+  for (const SearchRoot& root : search_roots(pattern, working_directory)) {
+    search.search(root);
+  }
+  std::vector<AtomVecRef> refs;
+  for (std::string& task : std::move(search).sorted()) {
+    refs.push_back({pool.keep(std::move(task)), ref.property});
+  }
+  if (refs.empty()) {
+    throw std::runtime_error("atomvec glob pattern matched no task directories: " +
+                             std::string(ref.task));
+  }
+  return refs;
+}
+
+}  // namespace vqvec

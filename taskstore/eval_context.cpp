@@ -1,0 +1,11 @@
+#include "taskstore/eval_context.hpp"
+
+namespace vqvec {
+
+void EvalContext::add_used_task(std::string_view task_text) {
+  if (is_used_.insert(task_text).second) {
+    used_tasks_.push_back(task_text);
+  }
+}
+
+}  // namespace vqvec

@@ -1,0 +1,54 @@
+#include "taskstore/geometry_file.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "dsl/number.hpp"
+#include "taskstore/field_reader.hpp"
+#include "taskstore/line_reader.hpp"
+
+namespace vqvec {
+namespace {
+
+// Nothing when the line does not begin with a symbol and three coordinates.
+std::optional<GeomAtom> parse_atom_line(std::string_view line) {
+  FieldReader fields(line);
+  const std::string_view symbol = fields.read_word();
+  const auto x = fields.read_number();
+  const auto y = x ? fields.read_number() : std::nullopt;
+  const auto z = y ? fields.read_number() : std::nullopt;
+  if (!z) {
+    return std::nullopt;
+  }
+  return GeomAtom{std::string(symbol), *x, *y, *z};
+}
+
+}  // namespace
+
+std::vector<GeomAtom> read_xyz_geometry(const std::string& path) {
+  constexpr std::size_t count_words = 1;
+  constexpr std::size_t atom_words = 4;
+  LineReader reader(path);
+  std::string_view line;
+  if (!reader.next_line_start(count_words, line)) {
+    return {};
+  }
+  const std::uint64_t count = read_count(line).value_or(0);
+  reader.skip_line();
+  std::vector<GeomAtom> atoms;  // grows as lines come: the count is only a claim
+  while (atoms.size() < count) {
+    if (!reader.next_line_start(atom_words, line)) {
+      return {};
+    }
+    std::optional<GeomAtom> atom = parse_atom_line(line);
+    if (!atom) {
+      return {};
+    }
+    atoms.push_back(std::move(*atom));
+  }
+  return atoms;
+}
+
+}  // namespace vqvec

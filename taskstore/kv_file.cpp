@@ -1,0 +1,39 @@
+#include "taskstore/kv_file.hpp"
+
+#include <string_view>
+
+#include "dsl/lexical.hpp"
+#include "taskstore/line_reader.hpp"
+
+namespace vqvec {
+namespace {
+
+void store_line(std::string_view raw, KvMap& pairs) {
+  const std::string_view line = trim(raw);
+  const auto equals = line.find('=');
+  if (equals == std::string_view::npos || line.starts_with('#')) {
+    return;
+  }
+  const std::string_view key = trim(line.substr(0, equals));
+  if (!key.empty()) {
+    pairs.assign(key, line.substr(equals + 1));  // not trimmed again: blanks are data
+  }
+}
+
+}  // namespace
+
+KvMap read_kv_file(const std::string& path) {
+  KvMap pairs;
+  merge_kv_file(pairs, path);
+  return pairs;
+}
+
+void merge_kv_file(KvMap& into, const std::string& path) {
+  LineReader reader(path);
+  std::string_view line;
+  while (reader.next_line(line)) {
+    store_line(line, into);
+  }
+}
+
+}  // namespace vqvec
