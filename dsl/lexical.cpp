@@ -30,7 +30,9 @@ std::string_view trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::string_view trim(const char* text) { return trim(std::string_view(text)); }
+std::string_view trim(const char* text) {
+  return trim(std::string_view(text));
+}
 
 std::string to_lower(std::string_view text) {
   std::string lower(text);

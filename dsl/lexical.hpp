@@ -11,7 +11,9 @@
 namespace vqvec {
 
 // The default locale's isspace: blank, \t, \n, \v, \f and \r.
-constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool is_space(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 // The text without leading and trailing blanks, tabs, carriage returns and line feeds. Vertical tab
 // and form feed stay, although is_space counts them.

@@ -43,7 +43,9 @@ std::optional<double> read_number(std::string_view text) {
 
 }  // namespace
 
-bool is_number_literal(std::string_view text) { return read_number(trim(text)).has_value(); }
+bool is_number_literal(std::string_view text) {
+  return read_number(trim(text)).has_value();
+}
 
 std::optional<double> read_finite_number(std::string_view text) {
   const std::optional<double> value = read_number(trim(text));

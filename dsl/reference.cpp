@@ -21,7 +21,9 @@ std::string_view without_outer_dots(std::string_view text) {
 }
 
 // Such a byte would break the line `atoms.N.<name>=value` or be lost when it is read back.
-bool is_unsafe(char c) { return c == '=' || is_space(c); }
+bool is_unsafe(char c) {
+  return c == '=' || is_space(c);
+}
 
 }  // namespace
 

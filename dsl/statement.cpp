@@ -49,13 +49,10 @@ struct Option {
 };
 
 constexpr Option single_valued_options[] = {
-    {"--sum", true, &DslStatement::sum_text},
-    {"--renorm", true, &DslStatement::sum_text},
+    {"--sum", true, &DslStatement::sum_text},          {"--renorm", true, &DslStatement::sum_text},
     {"--renormalize", false, &DslStatement::sum_text},  // meant: --renormalize=2 is unknown
-    {"--out", true, &DslStatement::out_path},
-    {"--extxyz", true, &DslStatement::out_path},
-    {"--chg", true, &DslStatement::chg_path},
-    {"--format", true, &DslStatement::format},
+    {"--out", true, &DslStatement::out_path},          {"--extxyz", true, &DslStatement::out_path},
+    {"--chg", true, &DslStatement::chg_path},          {"--format", true, &DslStatement::format},
     {"--geom", true, &DslStatement::geom_path},
 };
 
@@ -67,7 +64,8 @@ std::optional<std::string> match_option(const std::vector<std::string>& words, s
   if (word == name) {
     return take_option_value(words, index, name);
   }
-  if (has_equals_form && word.starts_with(name) && std::string_view(word).substr(name.size()).starts_with('=')) {
+  if (has_equals_form && word.starts_with(name) &&
+      std::string_view(word).substr(name.size()).starts_with('=')) {
     return word.substr(name.size() + 1);
   }
   return std::nullopt;

@@ -39,14 +39,15 @@ class FixedOperands final : public PendingCall {
 };
 
 PendingCallPtr begin(const Operand& operand, EvalContext& context) {
-  return operand.kind == ValueKind::vector
-             ? begin_vector_expression(*operand.expression, context)
-             : begin_scalar_expression(*operand.expression, context);
+  return operand.kind == ValueKind::vector ? begin_vector_expression(*operand.expression, context)
+                                           : begin_scalar_expression(*operand.expression, context);
 }
 
 }  // namespace
 
-PendingCallPtr ready(Value value) { return std::make_unique<Ready>(std::move(value)); }
+PendingCallPtr ready(Value value) {
+  return std::make_unique<Ready>(std::move(value));
+}
 
 PendingCallPtr when_evaluated(std::vector<Operand> operands, Combine combine) {
   return std::make_unique<FixedOperands>(std::move(operands), std::move(combine));

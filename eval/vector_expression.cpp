@@ -26,7 +26,9 @@ struct Call {
   Operand scalar(std::size_t index) const { return {&arguments[index], ValueKind::scalar}; }
 };
 
-AtomVector take_vector(Value& value) { return std::move(std::get<AtomVector>(value)); }
+AtomVector take_vector(Value& value) {
+  return std::move(std::get<AtomVector>(value));
+}
 
 AtomVector load(const AtomVecRef& ref, EvalContext& context) {
   return load_atom_vector(context, ref.task, ref.property);
@@ -304,8 +306,8 @@ const Function& find_function(std::string_view name) {
 PendingCallPtr begin_call(const Call& call) {
   const Function& function = find_function(call.name);
   const std::size_t count = call.arguments.size();
-  const bool is_right = function.argument_count == one_or_more ? count > 0
-                                                               : count == function.argument_count;
+  const bool is_right =
+      function.argument_count == one_or_more ? count > 0 : count == function.argument_count;
   if (!is_right) {
     throw std::runtime_error(call.label() + " expects " + std::string(function.expects));
   }

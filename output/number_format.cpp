@@ -10,8 +10,7 @@ constexpr std::size_t longest_number = 336;
 
 void append_number(std::string& text, double value, std::chars_format format, int precision) {
   char digits[longest_number];
-  const auto end =
-      std::to_chars(digits, digits + sizeof digits, value, format, precision).ptr;
+  const auto end = std::to_chars(digits, digits + sizeof digits, value, format, precision).ptr;
   text.append(digits, end);
 }
 

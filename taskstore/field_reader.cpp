@@ -8,8 +8,12 @@
 namespace vqvec {
 namespace {
 
-constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool is_sign(char c) { return c == '+' || c == '-'; }
+constexpr bool is_digit(char c) {
+  return c >= '0' && c <= '9';
+}
+constexpr bool is_sign(char c) {
+  return c == '+' || c == '-';
+}
 
 // How many bytes at the front of the text a stream would gather for one number. They need not make
 // a number.

@@ -12,7 +12,7 @@
 namespace vqvec {
 namespace {
 
-constexpr std::size_t buffer_size = 32 * 1024;
+constexpr std::size_t buffer_size = std::size_t{32} * 1024;
 
 // The first words of a line that comes in pieces, with one blank between them.
 class FirstWords {
@@ -93,9 +93,9 @@ LineReader::Found LineReader::search_line() {
   for (;;) {
     const char* const line = buffer_.data() + begin_;
     const std::size_t in_hand = end_ - begin_;
-    const void* const line_feed =
-        in_hand == line_size_ ? nullptr
-                              : std::memchr(line + line_size_, '\n', in_hand - line_size_);
+    const void* const line_feed = in_hand == line_size_
+                                      ? nullptr
+                                      : std::memchr(line + line_size_, '\n', in_hand - line_size_);
     if (line_feed != nullptr) {
       line_size_ = static_cast<std::size_t>(static_cast<const char*>(line_feed) - line);
       return Found::line_feed;

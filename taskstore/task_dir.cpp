@@ -33,7 +33,8 @@ bool names_working_directory(std::string_view name) {
 bool is_directory(const std::string& base, std::string_view name) {
   constexpr std::size_t longest_path = 4096;  // no system takes more, so it need not be asked
   std::error_code ignored;
-  return base.size() + name.size() <= longest_path && fs::is_directory(base / fs::path(name), ignored);
+  return base.size() + name.size() <= longest_path &&
+         fs::is_directory(base / fs::path(name), ignored);
 }
 
 // Sets the base of a named task, and says whether the directory exists. Siblings of the working

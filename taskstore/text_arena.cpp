@@ -7,7 +7,8 @@
 namespace vqvec {
 namespace {
 
-constexpr std::size_t largest_block = std::size_t{1} << 20U;
+constexpr std::size_t smallest_block = 1024;  // most tasks are small
+constexpr std::size_t largest_block = std::size_t{1024} * 1024;
 
 }  // namespace
 
@@ -31,7 +32,7 @@ std::string_view TextArena::store_over(std::string_view replaced, std::string_vi
 
 char* TextArena::allocate(std::size_t size) {
   if (size > free_size_) {
-    block_size_ = std::max(size, std::min(2 * block_size_, largest_block));
+    block_size_ = std::max(size, std::clamp(2 * block_size_, smallest_block, largest_block));
     blocks_.push_back(std::make_unique_for_overwrite<char[]>(block_size_));
     free_ = blocks_.back().get();
     free_size_ = block_size_;

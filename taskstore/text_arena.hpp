@@ -24,7 +24,7 @@ class TextArena {
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   std::size_t free_size_ = 0;
-  std::size_t block_size_ = 512;  // of the latest block; most tasks are small
+  std::size_t block_size_ = 0;  // of the latest block
 };
 
 }  // namespace vqvec
