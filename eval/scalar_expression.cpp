@@ -29,9 +29,9 @@ PendingCallPtr begin_sum(const Expression& call) {
   if (call.arguments.size() != 1) {
     throw std::runtime_error("sum() expects one vector argument");
   }
-  return when_evaluated({{&call.arguments.front(), ValueKind::vector}}, [](std::vector<Value>& values) {
-    return sum_of(std::get<AtomVector>(values[0]));
-  });
+  return when_evaluated(
+      {{&call.arguments.front(), ValueKind::vector}},
+      [](std::vector<Value>& values) { return sum_of(std::get<AtomVector>(values[0])); });
 }
 
 }  // namespace
