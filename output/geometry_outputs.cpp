@@ -52,7 +52,9 @@ std::string extxyz_label(std::string_view target) {
 
 std::string extxyz_text(std::string_view target, const Geometry& geometry,
                         const AtomVector& result) {
+  constexpr std::size_t usual_line = 72;
   std::string text = std::to_string(result.size()) + "\n";
+  text.reserve(result.size() * usual_line);
   text += "Properties=species:S:1:pos:R:3:" + extxyz_label(target) + ":R:1 generated_by=vqvec\n";
   for (std::size_t i = 0; i < result.size(); ++i) {
     text += geometry[i].symbol;

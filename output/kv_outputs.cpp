@@ -17,7 +17,9 @@ void append_variable(std::string& text, const std::string& key, const char* vari
 }  // namespace
 
 std::string values_text(std::string_view target, const AtomVector& result) {
+  constexpr std::size_t longest_numbers = 32;  // of most lines: an atom's number and a value
   std::string text;
+  text.reserve(result.size() * (target.size() + longest_numbers));
   for (std::size_t i = 0; i < result.size(); ++i) {
     text += "atoms.";
     text += std::to_string(i + 1);

@@ -1,17 +1,93 @@
 #include "output/number_format.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <string_view>
 
 namespace vqvec {
 namespace {
 
-// The longest: a sign, 309 digits, a point and 10 more.
-constexpr std::size_t longest_number = 336;
-
-void append_number(std::string& text, double value, std::chars_format format, int precision) {
+// The library's way, which any value can take.
+void append_with_library(std::string& text, double value, std::chars_format format, int precision) {
+  constexpr std::size_t longest_number = 336;  // a sign, 309 digits, a point, some more digits
   char digits[longest_number];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value, format, precision).ptr;
+  const auto end = std::to_chars(digits, std::end(digits), value, format, precision).ptr;
   text.append(digits, end);
+}
+
+// Values of everyday size take another, three times as fast: as an integer of all their printed
+// digits. A double is a 53-bit integer times a power of two, so its product with a power of ten up
+// to 10^22 is exact in 128 bits, and rounding that (to nearest, ties to even) is what printf does.
+
+constexpr std::uint64_t powers_of_ten[] = {
+    1ULL,
+    10ULL,
+    100ULL,
+    1'000ULL,
+    10'000ULL,
+    100'000ULL,
+    1'000'000ULL,
+    10'000'000ULL,
+    100'000'000ULL,
+    1'000'000'000ULL,
+    10'000'000'000ULL,
+    100'000'000'000ULL,
+    1'000'000'000'000ULL,
+    10'000'000'000'000ULL,
+    100'000'000'000'000ULL,
+    1'000'000'000'000'000ULL,
+    10'000'000'000'000'000ULL,
+    100'000'000'000'000'000ULL,
+    1'000'000'000'000'000'000ULL,
+    10'000'000'000'000'000'000ULL,
+};
+
+// |value| * 10^power, rounded. The value must be below 2^52 and the result below 2^64.
+std::uint64_t scale_and_round(double value, int power) {
+  __extension__ using Wide = unsigned __int128;
+  constexpr unsigned mantissa_bits = 52;
+  constexpr unsigned exponent_mask = 0x7FF;
+  constexpr unsigned exponent_bias = 1075;  // for the mantissa as an integer
+  constexpr unsigned widest_product = 117;  // bits of a mantissa times 10^19
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const auto exponent = static_cast<unsigned>(bits >> mantissa_bits) & exponent_mask;
+  const unsigned shift = exponent_bias - exponent;
+  if (shift > widest_product) {
+    return 0;  // less than a half; subnormal numbers are among these
+  }
+  constexpr std::uint64_t leading_bit = std::uint64_t{1} << mantissa_bits;
+  const std::uint64_t mantissa = (bits & (leading_bit - 1)) | leading_bit;
+  const Wide product = Wide{mantissa} * powers_of_ten[power];
+  const Wide half = Wide{1} << (shift - 1);
+  const Wide rest = product & (2 * half - 1);
+  const auto whole = static_cast<std::uint64_t>(product >> shift);
+  const bool rounds_up = rest > half || (rest == half && whole % 2 == 1);
+  return whole + (rounds_up ? 1 : 0);
+}
+
+// A sign, if needed, and the digits of `scaled` with a point before the last `decimals` of them.
+void append_scaled(std::string& text, bool is_negative, std::uint64_t scaled,
+                   std::size_t decimals) {
+  char digits[24];
+  const auto end = std::to_chars(digits, std::end(digits), scaled).ptr;
+  const auto count = static_cast<std::size_t>(end - digits);
+  if (is_negative) {
+    text += '-';
+  }
+  if (count > decimals) {
+    text.append(digits, count - decimals);
+  } else {
+    text += '0';
+  }
+  if (decimals > 0) {
+    text += '.';
+    text.append(decimals - std::min(count, decimals), '0');
+    text.append(end - std::min(count, decimals), end);
+  }
 }
 
 }  // namespace
@@ -29,11 +105,38 @@ std::string format_fixed10(double value) {
 }
 
 void append_value15(std::string& text, double value) {
-  append_number(text, value, std::chars_format::general, 15);
+  constexpr int digits = 15;
+  constexpr double smallest = 1e-4;  // below it printed in scientific notation
+  constexpr double decades[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1,  1e2,  1e3,  1e4, 1e5,
+                                1e6,  1e7,  1e8,  1e9, 1e10, 1e11, 1e12, 1e13};
+  constexpr double limit = 1e14;
+  const double magnitude = std::fabs(value);
+  if (!(magnitude >= smallest && magnitude < limit)) {
+    append_with_library(text, value, std::chars_format::general, digits);
+    return;
+  }
+  // As many decimals as leave 15 digits in all. Rounding up can make one digit more of them.
+  const auto above = std::upper_bound(std::begin(decades), std::end(decades), magnitude);
+  int decimals = digits + 3 - static_cast<int>(above - std::begin(decades));
+  std::uint64_t scaled = scale_and_round(magnitude, decimals);
+  if (scaled == powers_of_ten[digits]) {
+    scaled /= 10;
+    --decimals;
+  }
+  for (; decimals > 0 && scaled % 10 == 0; --decimals) {
+    scaled /= 10;
+  }
+  append_scaled(text, std::signbit(value), scaled, static_cast<std::size_t>(decimals));
 }
 
 void append_fixed10(std::string& text, double value) {
-  append_number(text, value, std::chars_format::fixed, 10);
+  constexpr int decimals = 10;
+  constexpr double limit = 1e9;  // below it the scaled value fits into 64 bits
+  if (std::fabs(value) < limit) {
+    append_scaled(text, std::signbit(value), scale_and_round(value, decimals), decimals);
+  } else {
+    append_with_library(text, value, std::chars_format::fixed, decimals);
+  }
 }
 
 }  // namespace vqvec
