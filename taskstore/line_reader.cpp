@@ -48,16 +48,17 @@ LineReader::LineReader(const std::string& path) {
   if (!std::filesystem::is_regular_file(path, ignored)) {
     return;  // opening a FIFO would wait for a writer
   }
-  file_buffer_.resize(buffer_size);
-  buffer_.resize(buffer_size);
-  file_.pubsetbuf(file_buffer_.data(), static_cast<std::streamsize>(file_buffer_.size()));
+  file_buffer_ = std::make_unique_for_overwrite<char[]>(buffer_size);
+  buffer_ = std::make_unique_for_overwrite<char[]>(buffer_size);
+  capacity_ = buffer_size;
+  file_.pubsetbuf(file_buffer_.get(), buffer_size);
   file_.open(path, std::ios::in);
 }
 
 bool LineReader::next_line(std::string_view& line) {
   Found found = search_line();
   while (found == Found::full_buffer) {
-    buffer_.resize(2 * buffer_.size());
+    grow_buffer();
     found = search_line();
   }
   line = take_line();
@@ -91,7 +92,7 @@ void LineReader::skip_line() {
 LineReader::Found LineReader::search_line() {
   line_size_ = 0;
   for (;;) {
-    const char* const line = buffer_.data() + begin_;
+    const char* const line = buffer_.get() + begin_;
     const std::size_t in_hand = end_ - begin_;
     const void* const line_feed = in_hand == line_size_
                                       ? nullptr
@@ -101,7 +102,7 @@ LineReader::Found LineReader::search_line() {
       return Found::line_feed;
     }
     line_size_ = in_hand;
-    if (in_hand > 0 && in_hand == buffer_.size()) {
+    if (in_hand > 0 && in_hand == capacity_) {
       return Found::full_buffer;
     }
     if (!fill()) {
@@ -112,15 +113,24 @@ LineReader::Found LineReader::search_line() {
 }
 
 std::string_view LineReader::take_line() {
-  const std::string_view line(buffer_.data() + begin_, line_size_);
+  const std::string_view line(buffer_.get() + begin_, line_size_);
   begin_ = std::min(end_, begin_ + line_size_ + 1);
   return line;
 }
 
 std::string_view LineReader::take_buffer() {
-  const std::string_view bytes(buffer_.data() + begin_, end_ - begin_);
+  const std::string_view bytes(buffer_.get() + begin_, end_ - begin_);
   begin_ = end_;
   return bytes;
+}
+
+void LineReader::grow_buffer() {
+  auto larger = std::make_unique_for_overwrite<char[]>(2 * capacity_);
+  std::memcpy(larger.get(), buffer_.get() + begin_, end_ - begin_);
+  end_ -= begin_;
+  begin_ = 0;
+  capacity_ *= 2;
+  buffer_ = std::move(larger);
 }
 
 // Moves the bytes in hand to the front of the buffer and reads behind them, once. False at the end
@@ -129,13 +139,13 @@ bool LineReader::fill() {
   if (!file_.is_open()) {
     return false;
   }
-  std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+  std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
   end_ -= begin_;
   begin_ = 0;
   try {
     if (file_.sgetc() != std::filebuf::traits_type::eof()) {
-      const auto room = static_cast<std::streamsize>(buffer_.size() - end_);
-      const auto size = file_.sgetn(buffer_.data() + end_, std::min(room, file_.in_avail()));
+      const auto room = static_cast<std::streamsize>(capacity_ - end_);
+      const auto size = file_.sgetn(buffer_.get() + end_, std::min(room, file_.in_avail()));
       end_ += static_cast<std::size_t>(size);
       return true;
     }

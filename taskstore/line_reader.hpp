@@ -6,9 +6,9 @@
 
 #include <cstddef>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vqvec {
 
@@ -37,9 +37,13 @@ class LineReader {
   std::string_view take_buffer();
   bool fill();
 
+  void grow_buffer();
+
+  // Neither buffer is ever cleared: with ten thousand small files that would be felt.
+  std::unique_ptr<char[]> file_buffer_;  // what one read of the file fills; outlives the file
   std::filebuf file_;
-  std::vector<char> file_buffer_;  // what one read of the file fills
-  std::vector<char> buffer_;       // the bytes in hand are [begin_, end_)
+  std::unique_ptr<char[]> buffer_;  // the bytes in hand are [begin_, end_)
+  std::size_t capacity_ = 0;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   std::size_t line_size_ = 0;  // what search_line found of the next line, without its line feed

@@ -56,6 +56,12 @@ bool choose_base(TaskDir& task) {
   return false;
 }
 
+// Lower-cased, from the last dot on; none when the name begins with its only dot.
+std::string extension_of(std::string_view name) {
+  const auto dot = name.rfind('.');
+  return dot == 0 || dot == std::string_view::npos ? std::string() : to_lower(name.substr(dot));
+}
+
 bool is_regular_file(const fs::directory_entry& entry) {
   std::error_code ignored;
   return entry.is_regular_file(ignored);
@@ -67,13 +73,14 @@ std::vector<std::string> list_geometry_files(const std::string& dir) {
   std::vector<std::string> ordinary;
   std::error_code ignored;  // a directory that can't be listed has no geometry
   for (const fs::directory_entry& entry : fs::directory_iterator(dir, ignored)) {
-    const std::string name = entry.path().filename().string();
-    const std::string extension = to_lower(entry.path().extension().string());
+    const std::string path = entry.path().string();
+    const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
+    const std::string extension = extension_of(name);
     if ((extension != ".xyz" && extension != ".extxyz") || !is_regular_file(entry)) {
       continue;
     }
     const bool is_preferred = extension == ".xyz" && name.starts_with("last_");
-    (is_preferred ? preferred : ordinary).push_back(entry.path().string());
+    (is_preferred ? preferred : ordinary).push_back(path);
   }
   std::sort(preferred.begin(), preferred.end());
   std::sort(ordinary.begin(), ordinary.end());
@@ -95,7 +102,7 @@ void load(TaskDir& task) {
   if (choose_base(task)) {
     const std::string dir = task.dir();
     for (const std::string_view name : kv_file_names) {
-      merge_kv_file(task.kv, (fs::path(dir) / name).string());
+      merge_kv_file(task.kv, dir + '/' + std::string(name));
     }
     task.atoms = read_first_geometry(dir);
   }
