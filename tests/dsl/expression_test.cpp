@@ -1,0 +1,234 @@
+#include "dsl/expression.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <ostream>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/dsl/plain_calls.hpp"
+#include "tests/support/failure.hpp"
+
+namespace vqvec {
+namespace {
+
+using std::string_literals::operator""s;
+
+// A tree by value.
+struct Node {
+  std::string text;
+  std::string function = {};
+  std::vector<Node> arguments = {};
+};
+
+bool operator==(const Node& one, const Node& other) {
+  return one.text == other.text && one.function == other.function &&
+         one.arguments == other.arguments;
+}
+
+std::ostream& operator<<(std::ostream& out, const Node& node) {
+  out << '[' << node.text << ']';
+  if (!node.function.empty()) {
+    out << " calls [" << node.function << "] with {";
+    for (const Node& argument : node.arguments) {
+      out << argument << ' ';
+    }
+    out << '}';
+  }
+  return out;
+}
+
+Node copy_of(const Expression& expression) {
+  Node node = {std::string(expression.text), std::string(expression.function)};
+  for (const Expression& argument : expression.arguments) {
+    node.arguments.push_back(copy_of(argument));
+  }
+  return node;
+}
+
+struct TreeCase {
+  const char* name;
+  Node expected;  // of its text
+};
+const std::vector<TreeCase> tree_cases = {
+    {"Empty", {""}},
+    {"BlanksOnly", {" \t"}},
+    {"Reference", {"a:q"}},
+    {"RootKeepsItsBlanks", {" a:q\n"}},
+    {"Call", {"f(a)", "f", {{"a"}}}},
+    {"RootCallKeepsItsBlanks", {" f( a ) ", "f", {{"a"}}}},
+    {"FunctionAsWritten", {"First_Glob (a)", "First_Glob", {{"a"}}}},
+    {"NoArguments", {"f()", "f"}},
+    {"BlankArguments", {"f( )", "f"}},
+    {"EmptyArgument", {"f(,)", "f", {{""}}}},
+    {"EmptyLastArgumentDoesNotCount", {"f(a,)", "f", {{"a"}}}},
+    {"TwoArguments", {"f(a, b)", "f", {{"a"}, {"b"}}}},
+    {"NestedCalls",
+     {"f(g(a, b), h( i() ))",
+      "f",
+      {{"g(a, b)", "g", {{"a"}, {"b"}}}, {"h( i() )", "h", {{"i()", "i"}}}}}},
+    {"BlanksBetweenNameAndParenthesis", {"f (g\t(a))", "f", {{"g\t(a)", "g", {{"a"}}}}}},
+    {"SumIsNoCall", {"f(a)+g(b)"}},
+    {"TwoPairsAreNoCall", {"f(a)(b)"}},
+    {"ArgumentWithOperator", {"f(g(a)+h(b))", "f", {{"g(a)+h(b)"}}}},
+    {"ArgumentWithTwoPairs", {"f(g(a)(b))", "f", {{"g(a)(b)"}}}},
+    {"ArgumentWithTextBehindCall", {"f(g(a) b)", "f", {{"g(a) b"}}}},
+    {"ArgumentWithBadName", {"f(a:g(b))", "f", {{"a:g(b)"}}}},
+    {"CallsInsideNoCallAreNotSeen", {"f(a:g(h(b),c),d)", "f", {{"a:g(h(b),c)"}, {"d"}}}},
+    {"ArgumentInParentheses", {"f((a))", "f", {{"(a)"}}}},
+    {"ArgumentInParenthesesBehindBlank", {"f( (g(a)))", "f", {{"(g(a))"}}}},
+    {"QuotedCallIsNone", {"f('g(a)')", "f", {{"'g(a)'"}}}},
+    {"QuotedParenthesisBeforeCall", {"f('('g(a))", "f", {{"'('g(a)"}}}},
+    {"QuotedComma", {"f('a,b',c)", "f", {{"'a,b'"}, {"c"}}}},
+    {"QuotedParenthesisInNestedCall", {"f(g(')'))", "f", {{"g(')')", "g", {{"')'"}}}}}},
+    {"EscapedQuoteInNestedCall",
+     {R"x(f(g("\")"),a))x", "f", {{R"x(g("\")"))x", "g", {{R"x("\")")x"}}}, {"a"}}}},
+    {"VerticalTabIsNoBlank", {"f(\vg(a),\f)", "f", {{"\vg(a)"}, {"\f"}}}},
+    {"NulInArguments", {"f(g(\0),\0)"s, "f", {{"g(\0)"s, "g", {{"\0"s}}}, {"\0"s}}}},
+    {"Utf8", {"f(\xe7\x94\xb5(a))", "f", {{"\xe7\x94\xb5(a)"}}}},
+};
+class TreeOfText : public testing::TestWithParam<TreeCase> {};
+
+TEST_P(TreeOfText, HasThisShape) {
+  const Node& expected = GetParam().expected;
+  EXPECT_EQ(copy_of(ExpressionTree(expected.text).root()), expected);
+}
+INSTANTIATE_TEST_SUITE_P(Texts, TreeOfText, testing::ValuesIn(tree_cases),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+TEST(ExpressionTree, TextsAreViewsOfTheText) {
+  const std::string text = "f(a, g(b))";
+  const ExpressionTree tree(text);
+  EXPECT_EQ(tree.root().text.data(), text.data());
+  EXPECT_EQ(tree.root().arguments[1].arguments[0].text.data(), text.data() + 7);
+}
+
+TEST(ExpressionTree, StaysWholeWhenMoved) {
+  const std::string text = "f(a, g(b))";
+  ExpressionTree first(text);
+  const ExpressionTree second(std::move(first));
+  EXPECT_EQ(copy_of(second.root()), (Node{"f(a, g(b))", "f", {{"a"}, {"g(b)", "g", {{"b"}}}}}));
+}
+
+TEST(ExpressionTree, FailsForUnbalancedCallsWithTheTrimmedText) {
+  const std::string text = " f((a) ";
+  EXPECT_EQ(failure_of([&] { ExpressionTree tree(text); }),
+            "unbalanced function expression: f((a)");
+}
+
+TEST(ExpressionTree, IsNotUnbalancedWhenItIsNoCall) {
+  const std::string text = "a:f((b)";
+  EXPECT_EQ(copy_of(ExpressionTree(text).root()), (Node{"a:f((b)"}));
+}
+
+// Limits
+
+std::string nested(std::size_t levels) {
+  std::string text;
+  for (std::size_t level = 0; level < levels; ++level) {
+    text += "f(";
+  }
+  return text + "a" + std::string(levels, ')');
+}
+
+TEST(ExpressionTreeLimits, TakesTwentyThousandParentheses) {
+  const std::string text = nested(20'000);
+  const ExpressionTree tree(text);
+  const Expression* expression = &tree.root();
+  std::size_t levels = 0;
+  while (expression->function == "f" && expression->arguments.size() == 1) {
+    expression = &expression->arguments[0];
+    ++levels;
+  }
+  EXPECT_EQ(levels, 20'000U);
+  EXPECT_EQ(expression->text, "a");
+}
+
+TEST(ExpressionTreeLimits, RefusesOneMore) {
+  const std::string text = nested(20'001);
+  EXPECT_EQ(failure_of([&] { ExpressionTree tree(text); }),
+            "expression is nested more than 20000 parentheses deep");
+}
+
+TEST(ExpressionTreeLimits, CountsParenthesesThatAreNoCalls) {
+  const std::string text = "f" + std::string(20'001, '(') + std::string(20'001, ')');
+  EXPECT_EQ(failure_of([&] { ExpressionTree tree(text); }),
+            "expression is nested more than 20000 parentheses deep");
+}
+
+TEST(ExpressionTreeLimits, DoesNotCountParenthesesInQuotes) {
+  const std::string text = "f('" + std::string(30'000, '(') + "')";
+  EXPECT_EQ(ExpressionTree(text).root().arguments.size(), 1U);
+}
+
+TEST(ExpressionTreeLimits, DoesNotCountParenthesesSideBySide) {
+  std::string text = "f(";
+  for (int i = 0; i < 30'000; ++i) {
+    text += "g(a),";
+  }
+  text += ')';
+  EXPECT_EQ(ExpressionTree(text).root().arguments.size(), 30'000U);
+}
+
+TEST(ExpressionTreeLimits, ReferenceMayHoldAnyNumberOfParentheses) {
+  const std::string text = "a:" + std::string(30'000, '(') + std::string(30'000, ')');
+  EXPECT_EQ(ExpressionTree(text).root().function, "");
+}
+
+TEST(ExpressionTreeLimits, TakesAMillionArguments) {
+  const std::string text = "f(" + std::string(1'000'000, ',') + ")";
+  EXPECT_EQ(ExpressionTree(text).root().arguments.size(), 1'000'000U);
+}
+
+// Against the plain rules
+
+// The rules of one call applied at each level; functions are compared lower-cased.
+Node plain_tree(const std::string& text) {
+  const PlainCall call = plain_parse_call(plain_trim(text));
+  Node node = {text, call.name};
+  if (!call.name.empty()) {
+    for (const std::string& argument : plain_split_arguments(call.arguments)) {
+      node.arguments.push_back(plain_tree(argument));
+    }
+  }
+  return node;
+}
+
+void lower_functions(Node& node) {
+  for (char& c : node.function) {
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  for (Node& argument : node.arguments) {
+    lower_functions(argument);
+  }
+}
+
+TEST(RandomTrees, EqualTheLevelByLevelReading) {
+  std::mt19937_64 random(17320508);
+  int nested_calls = 0;
+  int failures = 0;
+  for (int i = 0; i < 300'000; ++i) {
+    const std::string text =
+        i % 3 == 0 ? "f(" + random_call_text(random) + ")" : random_expression(random, 4);
+    const std::string failure = failure_of([&] { plain_tree(text); });
+    ASSERT_EQ(failure_of([&] { ExpressionTree tree(text); }), failure) << "text [" << text << "]";
+    if (failure != "(no failure)") {
+      ++failures;
+      continue;
+    }
+    Node tree = copy_of(ExpressionTree(text).root());
+    lower_functions(tree);
+    ASSERT_EQ(tree, plain_tree(text)) << "text [" << text << "]";
+    for (const Node& argument : tree.arguments) {
+      nested_calls += argument.arguments.empty() ? 0 : 1;
+    }
+  }
+  EXPECT_GT(nested_calls, 10'000);  // the texts are worth the comparison
+  EXPECT_GT(failures, 10'000);
+}
+
+}  // namespace
+}  // namespace vqvec
