@@ -1,0 +1,25 @@
+# Completion of vqvec for bash: options, and files where an option takes one.
+# shellcheck shell=bash
+
+_vqvec() {
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    mapfile -t COMPREPLY < <(compgen -W 'atom -h --help' -- "$word")
+    return
+  fi
+  [[ ${COMP_WORDS[1]} == atom ]] || return
+  case $before in
+    --dsl) ;; # a statement is not completed: a wrong guess in it does harm
+    --values-out | --record-kv | --snapshot-kv)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -f -- "$word")
+      ;;
+    *)
+      mapfile -t COMPREPLY < <(
+        compgen -W '--dsl --values-out --record-kv --snapshot-kv -h --help' -- "$word"
+      )
+      ;;
+  esac
+}
+complete -F _vqvec vqvec
