@@ -57,7 +57,7 @@ std::string extxyz_text(std::string_view target, const Geometry& geometry,
   text.reserve(result.size() * usual_line);
   text += "Properties=species:S:1:pos:R:3:" + extxyz_label(target) + ":R:1 generated_by=vqvec\n";
   for (std::size_t i = 0; i < result.size(); ++i) {
-    text += geometry[i].symbol;
+    text += geometry[i].symbol.text();
     for (const double coordinate : {geometry[i].x, geometry[i].y, geometry[i].z}) {
       text += ' ';
       append_fixed10(text, coordinate);
@@ -84,7 +84,7 @@ std::string chg_text(const Geometry& geometry, const AtomVector& result) {
   constexpr std::size_t coordinate_width = 16;
   std::string text;
   for (std::size_t i = 0; i < result.size(); ++i) {
-    append_left_aligned(text, geometry[i].symbol, symbol_width);
+    append_left_aligned(text, geometry[i].symbol.text(), symbol_width);
     for (const double coordinate : {geometry[i].x, geometry[i].y, geometry[i].z}) {
       text += ' ';
       append_right_aligned(text, format_fixed10(coordinate), coordinate_width);

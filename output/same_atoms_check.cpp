@@ -45,11 +45,12 @@ void require_equal_symbols(const TaskDir& reference, const TaskDir& task) {
     fail("geometry size mismatch between " + quoted(reference.name) + " and " + quoted(task.name));
   }
   for (std::size_t i = 0; i < task.atoms.size(); ++i) {
-    const std::string& expected = reference.atoms[i].symbol;
-    const std::string& symbol = task.atoms[i].symbol;
+    const Symbol& expected = reference.atoms[i].symbol;
+    const Symbol& symbol = task.atoms[i].symbol;
     if (expected != symbol) {
       fail("atom " + std::to_string(i + 1) + " symbol mismatch between " + quoted(reference.name) +
-           " (" + expected + ") and " + quoted(task.name) + " (" + symbol + ")");
+           " (" + std::string(expected.text()) + ") and " + quoted(task.name) + " (" +
+           std::string(symbol.text()) + ")");
     }
   }
 }

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 #include "dsl/number.hpp"
 #include "taskstore/field_reader.hpp"
@@ -22,7 +21,7 @@ std::optional<GeomAtom> parse_atom_line(std::string_view line) {
   if (!z) {
     return std::nullopt;
   }
-  return GeomAtom{std::string(symbol), *x, *y, *z};
+  return GeomAtom{symbol, *x, *y, *z};
 }
 
 }  // namespace
@@ -42,11 +41,11 @@ std::vector<GeomAtom> read_xyz_geometry(const std::string& path) {
     if (!reader.next_line_start(atom_words, line)) {
       return {};
     }
-    std::optional<GeomAtom> atom = parse_atom_line(line);
+    const std::optional<GeomAtom> atom = parse_atom_line(line);
     if (!atom) {
       return {};
     }
-    atoms.push_back(std::move(*atom));
+    atoms.push_back(*atom);
   }
   return atoms;
 }

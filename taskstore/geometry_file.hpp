@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "taskstore/symbol.hpp"
+
 namespace vqvec {
 
 struct GeomAtom {
-  std::string symbol;  // first column as written, not checked against any table of elements
-  double x = 0.0;      // position in the unit of the file, never converted
+  Symbol symbol;   // first column as written, not checked against any table of elements
+  double x = 0.0;  // position in the unit of the file, never converted
   double y = 0.0;
   double z = 0.0;
 
