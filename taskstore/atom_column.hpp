@@ -3,6 +3,7 @@
 #define VQVEC_TASKSTORE_ATOM_COLUMN_HPP
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -40,7 +41,7 @@ class AtomColumn {
   // Values of atoms 1, 2, 3, ... without a gap, and the assignments that left one when they came,
   // in the order in which they came. A look-up behind the gap sorts the strays once and moves those
   // that close it.
-  mutable std::vector<std::string_view> leading_;
+  mutable std::deque<std::string_view> leading_;
   mutable std::vector<Entry> stray_;
   mutable bool is_settled_ = true;
 };
