@@ -6,6 +6,7 @@ option(VQVEC_WERROR "Warnings are errors" OFF)
 option(VQVEC_STATIC "Link the program fully static where the C library allows it" OFF)
 set(VQVEC_SANITIZERS "" CACHE STRING "Value for -fsanitize=, for the library, the program and tests")
 option(VQVEC_COVERAGE "Instrument for source-based coverage (clang)" OFF)
+option(VQVEC_LIBFUZZER "Build the fuzzers of fuzz/ (clang)" OFF)
 
 add_library(vqvec_flags INTERFACE)
 target_compile_features(vqvec_flags INTERFACE cxx_std_20)
@@ -19,6 +20,10 @@ if(VQVEC_SANITIZERS)
   target_compile_options(vqvec_flags INTERFACE
     -fsanitize=${VQVEC_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(vqvec_flags INTERFACE -fsanitize=${VQVEC_SANITIZERS})
+endif()
+
+if(VQVEC_LIBFUZZER)
+  target_compile_options(vqvec_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 if(VQVEC_COVERAGE)

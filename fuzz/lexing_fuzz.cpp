@@ -1,0 +1,101 @@
+// The operations on expression text, each against its rules taken literally.
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "dsl/call.hpp"
+#include "dsl/expression.hpp"
+#include "dsl/lexical.hpp"
+#include "dsl/option_words.hpp"
+#include "dsl/reference.hpp"
+#include "fuzz/input.hpp"
+#include "fuzz/reference/lexing.hpp"
+#include "fuzz/require.hpp"
+
+namespace vqvec {
+namespace {
+
+template <typename Texts>
+std::string joined(const Texts& texts) {
+  std::string all;
+  for (const auto& text : texts) {
+    all += "[" + std::string(text) + "]";
+  }
+  return all;
+}
+
+void compare_texts(const std::string& text) {
+  TextPool pool;
+  require_equal(std::string(trim(text)), reference::trim(text), "trim");
+  require_equal(to_lower(text), reference::to_lower(text), "to_lower");
+  require_equal(std::string(unquote_argument(text, pool)), reference::unquote_argument(text),
+                "unquote_argument");
+  require_equal(joined(split_call_arguments(text)), joined(reference::split_call_arguments(text)),
+                "split_call_arguments");
+  require_equal(joined(split_option_words(text)), joined(reference::split_option_words(text)),
+                "split_option_words");
+}
+
+void compare_references(const std::string& text) {
+  require_equal(outcome_of([&] { return std::string(normalize_property_name(text)); }),
+                outcome_of([&] { return reference::normalize_property_name(text); }),
+                "normalize_property_name");
+  const auto describe = [](const auto& ref) {
+    return std::string(ref.task) + "|" + std::string(ref.property);
+  };
+  require_equal(outcome_of([&] { return describe(parse_atom_vec_ref(text)); }),
+                outcome_of([&] { return describe(reference::parse_atom_vec_ref(text)); }),
+                "parse_atom_vec_ref");
+}
+
+void compare_calls(const std::string& text) {
+  const auto describe = [](const auto& call) {
+    return call.name + "|" + std::string(call.argument_text);
+  };
+  require_equal(outcome_of([&] { return describe(parse_function_call(text)); }),
+                outcome_of([&] { return describe(reference::parse_function_call(text)); }),
+                "parse_function_call");
+}
+
+// A tree is what the two operations give for the text, for its arguments, for theirs and so on.
+void compare_node(const Expression& node, const std::string& text) {
+  require_equal(std::string(node.text), text, "text of an expression");
+  const reference::Call call = reference::parse_function_call(text);
+  require_equal(to_lower(node.function), call.name, "function of an expression");
+  const auto arguments = call.name.empty() ? std::vector<std::string>()
+                                           : reference::split_call_arguments(call.argument_text);
+  require(node.arguments.size() == arguments.size(), "number of arguments");
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    compare_node(node.arguments[i], arguments[i]);
+  }
+}
+
+void compare_tree(const std::string& text) {
+  std::optional<ExpressionTree> tree;
+  const std::string outcome = outcome_of([&] {
+    tree.emplace(text);
+    return std::string();
+  });
+  const std::string expected = outcome_of([&] {
+    reference::parse_function_call(reference::trim(text));
+    return std::string();
+  });
+  require_equal(outcome, expected, "ExpressionTree");
+  if (tree) {
+    compare_node(tree->root(), text);
+  }
+}
+
+}  // namespace
+}  // namespace vqvec
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string text = vqvec::text_of(data, size);
+  vqvec::compare_texts(text);
+  vqvec::compare_references(text);
+  vqvec::compare_calls(text);
+  vqvec::compare_tree(text);
+  return 0;
+}

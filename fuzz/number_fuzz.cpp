@@ -1,0 +1,66 @@
+// Any text as a number, against strtod and a count of digits; any line as fields, against a stream.
+#include <cmath>
+#include <locale>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "dsl/number.hpp"
+#include "fuzz/input.hpp"
+#include "fuzz/reference/files.hpp"
+#include "fuzz/require.hpp"
+#include "taskstore/field_reader.hpp"
+
+namespace vqvec {
+namespace {
+
+std::string bits_of(double value) {
+  return std::to_string(std::bit_cast<std::uint64_t>(value));
+}
+
+void compare_literals(const std::string& text) {
+  const std::optional<double> expected = reference::read_number(text);
+  require(is_number_literal(text) == expected.has_value(), "is_number_literal");
+  const std::optional<double> value = read_finite_number(text);
+  require(value.has_value() == (expected && std::isfinite(*expected)), "read_finite_number");
+  require(!value || is_same_number(*value, *expected), "value of read_finite_number");
+  require_equal(
+      outcome_of([&] { return bits_of(parse_finite_number(text, "a label")); }),
+      outcome_of([&] { return bits_of(reference::parse_finite_number(text, "a label")); }),
+      "parse_finite_number");
+}
+
+// A word, then numbers up to the first that fails, then whatever word is left.
+void compare_fields(const std::string& line) {
+  std::istringstream stream(line);
+  stream.imbue(std::locale::classic());
+  FieldReader fields(line);
+  std::string word;
+  stream >> word;
+  require_equal(std::string(fields.read_word()), word, "first word of a line");
+  for (;;) {
+    double expected = 0.0;
+    const bool has_number = static_cast<bool>(stream >> expected);
+    const std::optional<double> value = fields.read_number();
+    require(value.has_value() == has_number, "whether a field is a number");
+    if (!value) {
+      break;
+    }
+    require(is_same_number(*value, expected), "value of a field");
+  }
+  stream.clear();
+  word.clear();
+  stream >> word;
+  require_equal(std::string(fields.read_word()), word, "word behind the numbers");
+}
+
+}  // namespace
+}  // namespace vqvec
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string text = vqvec::text_of(data, size);
+  vqvec::compare_literals(text);
+  vqvec::require(vqvec::read_count(text) == vqvec::reference::read_count(text), "read_count");
+  vqvec::compare_fields(text);
+  return 0;
+}

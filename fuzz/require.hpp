@@ -1,0 +1,49 @@
+// How a fuzz target says that program and reference disagree.
+#ifndef VQVEC_FUZZ_REQUIRE_HPP
+#define VQVEC_FUZZ_REQUIRE_HPP
+
+#include <bit>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+
+namespace vqvec {
+
+// Stops the process, which the fuzzer and ctest both take for a finding.
+inline void require(bool holds, const char* what) {
+  if (!holds) {
+    std::fprintf(stderr, "disagreement: %s\n", what);
+    std::abort();
+  }
+}
+
+inline void require_equal(const std::string& actual, const std::string& expected,
+                          const char* what) {
+  if (actual != expected) {
+    std::fprintf(stderr, "got:      [%s]\nexpected: [%s]\n", actual.c_str(), expected.c_str());
+    require(false, what);
+  }
+}
+
+// Bit for bit, so that -0 is not 0. All NaNs are one: which of two operands' NaNs survives is up
+// to the compiler.
+inline bool is_same_number(double a, double b) {
+  return (a != a && b != b) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
+// What a call throws, as text; what it returns, as `describe` puts it, behind "= ". Anything that
+// is not a standard exception ends the process.
+template <typename Call>
+std::string outcome_of(Call call) {
+  try {
+    return "= " + call();
+  } catch (const std::exception& failure) {
+    return std::string("failed: ") + failure.what();
+  }
+}
+
+}  // namespace vqvec
+
+#endif  // VQVEC_FUZZ_REQUIRE_HPP
