@@ -1,4 +1,5 @@
 # Flags stand on interface targets, so that each target takes what it needs and nothing leaks.
+include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 include(CMakePushCheckState)
 
@@ -27,7 +28,9 @@ if(VQVEC_LIBFUZZER)
 endif()
 
 if(VQVEC_COVERAGE)
-  target_compile_options(vqvec_flags INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  check_cxx_compiler_flag(-fcoverage-mcdc VQVEC_CAN_RECORD_CONDITIONS)  # from clang++ 18 on
+  target_compile_options(vqvec_flags INTERFACE -fprofile-instr-generate -fcoverage-mapping
+    $<$<BOOL:${VQVEC_CAN_RECORD_CONDITIONS}>:-fcoverage-mcdc>)
   target_link_options(vqvec_flags INTERFACE -fprofile-instr-generate)
 endif()
 

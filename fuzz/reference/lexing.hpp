@@ -20,14 +20,16 @@ inline bool is_white(char c) {
   return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-inline std::string trim(std::string text) {
-  while (!text.empty() && is_blank(text.front())) {
-    text.erase(0, 1);
+inline std::string trim(const std::string& text) {
+  std::size_t begin = 0;
+  std::size_t end = text.size();
+  while (begin < end && is_blank(text[begin])) {
+    ++begin;
   }
-  while (!text.empty() && is_blank(text.back())) {
-    text.pop_back();
+  while (end > begin && is_blank(text[end - 1])) {
+    --end;
   }
-  return text;
+  return text.substr(begin, end - begin);
 }
 
 inline std::string to_lower(std::string text) {
