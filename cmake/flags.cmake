@@ -1,5 +1,4 @@
 # Flags stand on interface targets, so that each target takes what it needs and nothing leaks.
-include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 include(CMakePushCheckState)
 
@@ -28,9 +27,8 @@ if(VQVEC_LIBFUZZER)
 endif()
 
 if(VQVEC_COVERAGE)
-  check_cxx_compiler_flag(-fcoverage-mcdc VQVEC_CAN_RECORD_CONDITIONS)  # from clang++ 18 on
   target_compile_options(vqvec_flags INTERFACE -fprofile-instr-generate -fcoverage-mapping
-    $<$<BOOL:${VQVEC_CAN_RECORD_CONDITIONS}>:-fcoverage-mcdc>)
+    $<$<VERSION_GREATER_EQUAL:${CMAKE_CXX_COMPILER_VERSION},18>:-fcoverage-mcdc>)
   target_link_options(vqvec_flags INTERFACE -fprofile-instr-generate)
 endif()
 
