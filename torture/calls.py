@@ -171,7 +171,9 @@ def failing_memory_calls(bench):
     for statement in tasks.STATEMENTS:
         calls = trace(workspace, statement)
         references = [workspace.run(statement)]
+        maps = 0
         for call in calls:
+            maps += call.name == "mmap"
             if not call.in_main or call.name not in MEMORY_CALLS:
                 continue
             failure = "retval=0" if call.name == "brk" else "error=ENOMEM"
@@ -181,7 +183,7 @@ def failing_memory_calls(bench):
                 if call.name == "brk":
                     prefix = ("strace", "-o", "/dev/null", "-e", "trace=brk,mmap")
                     prefix += ("-e", f"inject=brk:{failure}:when={call.number}{repeated}")
-                    prefix += ("-e", "inject=mmap:error=ENOMEM:when=1+")
+                    prefix += ("-e", f"inject=mmap:error=ENOMEM:when={maps + 1}+")
                     yield Point(*_attempt(statement, prefix, references))
 
 
@@ -210,6 +212,8 @@ def short_transfers(bench):
         references = [workspace.run(statement)]
         for kind, names in (("read", READS), ("write", WRITES)):
             for number, call in _transfers(calls, names):
+                if not call.in_main:
+                    continue
                 for bytes_moved in _cuts(call.moved())[1:]:
                     prefix = (short_io, kind, str(number), str(bytes_moved), "go")
                     yield Point(*_attempt(statement, prefix, references, **_sink(call)))

@@ -455,7 +455,7 @@ CASES = (
     many_entries,
 )
 DEVICES = ("/dev/zero", "/dev/full", "/dev/null", "/dev/tty", "/dev/random")
-NAMES = (b"\n", b"\x1b[2J", b"\x7f", b"\xff\xfe", b"\xc3(", b"'", b'"', b"\\", b" ", b"=", b":", b"--")
+NAMES = (b"\n", b"\x1b[2J", b"\x7f", b"\xff\xfe", b"\xc3(", b"'", b'"', b"\\", b" ", b"=", b":")
 LONG_CASES = (
     entries_vanishing,
     files_growing,
