@@ -6,8 +6,6 @@
 namespace vqvec {
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
-
 // What stands between double quotes. A backslash with nothing behind it stays one.
 std::string resolve_escapes(std::string_view quoted) {
   std::string text;
@@ -21,14 +19,6 @@ std::string resolve_escapes(std::string_view quoted) {
 }
 
 }  // namespace
-
-std::string_view trim(std::string_view text) {
-  const auto first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) {
-    return {};
-  }
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
 
 std::string_view trim(const char* text) {
   return trim(std::string_view(text));

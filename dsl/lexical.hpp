@@ -15,9 +15,22 @@ constexpr bool is_space(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-// The text without leading and trailing blanks, tabs, carriage returns and line feeds. Vertical tab
-// and form feed stay, although is_space counts them.
-std::string_view trim(std::string_view text);
+// The four bytes that trim removes.
+constexpr bool is_blank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The text without blanks (is_blank) at either end. Vertical tab and form feed stay, although
+// is_space counts them. Inline: it is called for every line and every number that is read.
+inline std::string_view trim(std::string_view text) {
+  while (!text.empty() && is_blank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && is_blank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
 std::string_view trim(const char* text);
 std::string_view trim(std::string&& text) = delete;
 

@@ -29,6 +29,9 @@ class AtomColumn {
     return atom - 1 < leading_.size() ? leading_[atom - 1] : find_stray(atom);
   }
 
+  // How many of the atoms 1, 2, 3, ... have values, as far as their order has told already.
+  std::size_t leading_size() const { return leading_.size(); }
+
   using Entry = std::pair<std::uint64_t, std::string_view>;
 
   // All atoms that have a value, in their order.

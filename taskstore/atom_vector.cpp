@@ -14,6 +14,7 @@ namespace {
 AtomVector read_column(const AtomColumn& column, std::string_view task_text,
                        std::string_view property) {
   AtomVector vector;
+  vector.reserve(column.leading_size());
   while (const auto text = column.find(vector.size() + 1)) {
     const auto value = read_finite_number(*text);
     if (!value) {

@@ -21,6 +21,7 @@ class FieldReader {
 
  private:
   void skip_space();
+  std::optional<double> read_plain_number();
 
   std::string_view rest_;
 };

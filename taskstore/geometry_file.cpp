@@ -1,5 +1,6 @@
 #include "taskstore/geometry_file.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -24,6 +25,14 @@ std::optional<GeomAtom> parse_atom_line(std::string_view line) {
   return GeomAtom{symbol, *x, *y, *z};
 }
 
+// How many atoms to make room for: a count is only a claim. Each atom takes 8 bytes of its file,
+// and a file without data can be of any size.
+std::size_t plausible_count(std::uint64_t count, std::uintmax_t file_size) {
+  constexpr std::uintmax_t shortest_line = 8;
+  constexpr std::uint64_t most = 4'000'000;
+  return static_cast<std::size_t>(std::min({count, file_size / shortest_line, most}));
+}
+
 }  // namespace
 
 std::vector<GeomAtom> read_xyz_geometry(const std::string& path) {
@@ -36,7 +45,8 @@ std::vector<GeomAtom> read_xyz_geometry(const std::string& path) {
   }
   const std::uint64_t count = read_count(line).value_or(0);
   reader.skip_line();
-  std::vector<GeomAtom> atoms;  // grows as lines come: the count is only a claim
+  std::vector<GeomAtom> atoms;
+  atoms.reserve(plausible_count(count, reader.file_size()));
   while (atoms.size() < count) {
     if (!reader.next_line_start(atom_words, line)) {
       return {};

@@ -4,9 +4,10 @@
 #ifndef VQVEC_TASKSTORE_LINE_READER_HPP
 #define VQVEC_TASKSTORE_LINE_READER_HPP
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,39 +17,44 @@ class LineReader {
  public:
   explicit LineReader(const std::string& path);
 
+  // In bytes; 0 when there is no file.
+  std::uintmax_t file_size() const { return file_size_; }
+
   // Sets `line` to the next line without its line feed; the last one counts without it too. False
   // at the end of the file, or at a read error, which drops the line that it cut. The view is valid
   // until the next call.
   bool next_line(std::string_view& line);
 
-  // The same for who needs only the first words of a line (separated by white space): of a line too
-  // long for the buffer only these are kept, with one blank between them.
+  // The same for who needs only the first words of a line (separated by white space). Of a line
+  // that the buffer does not hold in one piece, which may be a line without end, only these are
+  // kept, with one blank between them.
   bool next_line_start(std::size_t words, std::string_view& line);
 
   // Passes over the next line, if there is one.
   void skip_line();
 
  private:
-  // What stopped a search for a line feed.
-  enum class Found { line_feed, full_buffer, end, nothing };
+  // A file buffer that shows what it holds: no byte is copied before a line is taken apart.
+  class FileBuffer : public std::filebuf {
+   public:
+    std::string_view bytes() const { return {gptr(), static_cast<std::size_t>(egptr() - gptr())}; }
+    void pass(std::size_t size) { gbump(static_cast<int>(size)); }
+  };
 
-  Found search_line();
-  std::string_view take_line();
-  std::string_view take_buffer();
+  // A stretch of a line.
+  struct Piece {
+    std::string_view bytes;
+    bool is_last;
+  };
+
+  bool next_piece(Piece& piece);
   bool fill();
 
-  void grow_buffer();
-
-  // Neither buffer is ever cleared: with ten thousand small files that would be felt.
-  std::unique_ptr<char[]> file_buffer_;  // what one read of the file fills; outlives the file
-  std::filebuf file_;
-  std::unique_ptr<char[]> buffer_;  // the bytes in hand are [begin_, end_)
-  std::size_t capacity_ = 0;
-  std::size_t begin_ = 0;
-  std::size_t end_ = 0;
-  std::size_t line_size_ = 0;  // what search_line found of the next line, without its line feed
+  std::uintmax_t file_size_ = 0;
+  std::array<char, std::size_t{32} * 1024> buffer_;  // never cleared: small files would feel it
+  FileBuffer file_;
   bool has_failed_ = false;
-  std::string line_start_;
+  std::string line_;  // one that came in several pieces
 };
 
 }  // namespace vqvec
