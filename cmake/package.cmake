@@ -1,0 +1,25 @@
+# The packages that script/package makes: a static tarball and a .deb.
+string(TIMESTAMP VQVEC_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)  # of SOURCE_DATE_EPOCH
+configure_file(packaging/changelog.in packaging/changelog @ONLY)
+
+set(CPACK_VQVEC_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
+set(CPACK_VQVEC_CHANGELOG ${PROJECT_BINARY_DIR}/packaging/changelog)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/stage.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/repack.cmake)
+
+set(CPACK_GENERATOR TGZ DEB)
+set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-Linux-${CMAKE_SYSTEM_PROCESSOR})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGE_VENDOR "The vqvec authors")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "combine the per-atom results of calculations")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The vqvec authors <maintainers@vqvec.example>")
+set(CPACK_DEBIAN_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Calculations of computational chemistry leave values per atom, such as
+partial charges, in one directory each. vqvec evaluates one statement over
+them: means, Boltzmann averages, differences, totals, with a check that all
+are about the same atoms. The result goes to a key-value file, and with the
+positions of the atoms to files that viewers read.")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "openbabel, python3-ase, xtb")
+include(CPack)

@@ -1,0 +1,41 @@
+# Run by CPack on the finished packages. It has put the files into them in the order of the directory
+# on the disk; here they are put in order by name, so that every build gives the same bytes.
+# In KiB, one for each directory. What the disk takes for a directory would depend on the disk.
+function(set_installed_size files)
+  file(GLOB_RECURSE entries LIST_DIRECTORIES true ${files}/usr/*)
+  set(size 0)
+  foreach(entry ${entries})
+    if(IS_DIRECTORY ${entry})
+      set(bytes 1024)
+    else()
+      file(SIZE ${entry} bytes)
+    endif()
+    math(EXPR size "${size} + (${bytes} + 1023) / 1024")
+  endforeach()
+  file(READ ${files}/DEBIAN/control control)
+  string(REGEX REPLACE "Installed-Size: [0-9]+" "Installed-Size: ${size}" control "${control}")
+  file(WRITE ${files}/DEBIAN/control "${control}")
+endfunction()
+
+foreach(package ${CPACK_PACKAGE_FILES})
+  set(files ${package}.files)
+  file(REMOVE_RECURSE ${files})
+  file(MAKE_DIRECTORY ${files})
+  if(package MATCHES "[.]deb$")
+    execute_process(COMMAND dpkg-deb --raw-extract ${package} ${files} COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND sort -k 2 -o ${files}/DEBIAN/md5sums ${files}/DEBIAN/md5sums
+      COMMAND_ERROR_IS_FATAL ANY)
+    set_installed_size(${files})
+    execute_process(COMMAND dpkg-deb --root-owner-group --build ${files} ${package}
+      OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  else()
+    execute_process(COMMAND tar -xf ${package} -C ${files} COMMAND_ERROR_IS_FATAL ANY)
+    file(GLOB top RELATIVE ${files} ${files}/*)
+    execute_process(
+      COMMAND tar -c --sort=name --format=gnu --owner=root:0 --group=root:0
+        --mtime=@$ENV{SOURCE_DATE_EPOCH} -C ${files} ${top}
+      COMMAND gzip -9n
+      OUTPUT_FILE ${package} COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+  file(REMOVE_RECURSE ${files})
+endforeach()
