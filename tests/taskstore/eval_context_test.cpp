@@ -1,0 +1,96 @@
+#include "taskstore/eval_context.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vqvec {
+namespace {
+
+using Texts = std::vector<std::string_view>;
+
+struct UsedCase {
+  const char* name;
+  Texts added;
+  Texts expected;
+};
+const std::vector<UsedCase> used_cases = {
+    {"Nothing", {}, {}},
+    {"OneTask", {"a"}, {"a"}},
+    {"OrderOfFirstUse", {"c", "a", "b"}, {"c", "a", "b"}},
+    {"NoDuplicates", {"b", "a", "b", "a", "c", "b"}, {"b", "a", "c"}},
+    {"SpellingsAreApart",
+     {"self", "Self", ".", "", "./a", "a", "a/"},
+     {"self", "Self", ".", "", "./a", "a", "a/"}},
+    {"BlanksAreNotTrimmed", {"a", " a", "a "}, {"a", " a", "a "}},
+    {"EmptyTextTwice", {"", ""}, {""}},
+};
+class UsedTasks : public testing::TestWithParam<UsedCase> {};
+
+TEST_P(UsedTasks, AreListedInOrderOfFirstUse) {
+  EvalContext context;
+  for (const std::string_view task_text : GetParam().added) {
+    context.add_used_task(task_text);
+  }
+  EXPECT_EQ(context.used_tasks(), GetParam().expected);
+}
+INSTANTIATE_TEST_SUITE_P(Lists, UsedTasks, testing::ValuesIn(used_cases),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+TEST(EvalContext, ComparesTextsAndNotTheirPlaces) {
+  const std::string one = "task";
+  const std::string other = "task";
+  EvalContext context;
+  context.add_used_task(one);
+  context.add_used_task(other);
+  EXPECT_EQ(context.used_tasks(), Texts{"task"});
+  EXPECT_EQ(&context.task(one), &context.task(other));
+}
+
+TEST(EvalContext, MakesAnEntryEmpty) {
+  EvalContext context;
+  const TaskDir& task = context.task("a");
+  EXPECT_FALSE(task.loaded);
+  EXPECT_EQ(task.name, "");
+  EXPECT_TRUE(task.kv.pairs().empty());
+  EXPECT_TRUE(task.atoms.empty());
+}
+
+TEST(EvalContext, NeverMovesAnEntry) {
+  std::vector<std::string> names;
+  for (int i = 0; i < 5'000; ++i) {
+    names.push_back("task" + std::to_string(i));
+  }
+  EvalContext context;
+  std::vector<const TaskDir*> entries;
+  for (const std::string& name : names) {
+    TaskDir& task = context.task(name);
+    task.name = name;
+    entries.push_back(&task);
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    ASSERT_EQ(&context.task(names[i]), entries[i]);
+    ASSERT_EQ(entries[i]->name, names[i]);
+  }
+}
+
+TEST(EvalContext, DoesNotCountATaskAsUsedBecauseItHasAnEntry) {
+  EvalContext context;
+  context.task("a");
+  EXPECT_TRUE(context.used_tasks().empty());
+}
+
+TEST(EvalContext, KeepsTextsThatNobodyElseKeeps) {
+  EvalContext context;
+  for (int i = 0; i < 1'000; ++i) {
+    context.add_used_task(context.texts.keep("task" + std::to_string(i)));
+  }
+  ASSERT_EQ(context.used_tasks().size(), 1'000U);
+  EXPECT_EQ(context.used_tasks().front(), "task0");
+  EXPECT_EQ(context.used_tasks().back(), "task999");
+}
+
+}  // namespace
+}  // namespace vqvec

@@ -1,0 +1,338 @@
+#include "taskstore/line_reader.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/support/scratch_dir.hpp"
+#include "tests/taskstore/ordinary_user.hpp"
+#include "tests/taskstore/write_anew.hpp"
+
+namespace vqvec {
+namespace {
+
+using std::string_literals::operator""s;
+
+using Lines = std::vector<std::string>;
+
+// Every line of the file; asks once more behind the end.
+Lines lines_of(const std::string& path) {
+  LineReader reader(path);
+  Lines lines;
+  std::string_view line;
+  while (reader.next_line(line)) {
+    lines.emplace_back(line);
+  }
+  EXPECT_FALSE(reader.next_line(line));
+  return lines;
+}
+
+// The words that next_line_start keeps of every line, parted by '|'.
+Lines line_starts_of(const std::string& path, std::size_t words) {
+  LineReader reader(path);
+  Lines starts;
+  std::string_view line;
+  while (reader.next_line_start(words, line)) {
+    std::istringstream fields{std::string(line)};
+    std::string start;
+    std::string word;
+    for (std::size_t i = 0; i < words && fields >> word; ++i) {
+      start += word + "|";
+    }
+    starts.push_back(start);
+  }
+  EXPECT_FALSE(reader.next_line_start(words, line));
+  return starts;
+}
+
+// Lines of small files
+
+struct SmallCase {
+  const char* name;
+  std::string text;
+  Lines expected;
+};
+const std::vector<SmallCase> small_cases = {
+    {"EmptyFile", "", {}},
+    {"OnlyALineFeed", "\n", {""}},
+    {"TwoLineFeeds", "\n\n", {"", ""}},
+    {"OneLine", "a\n", {"a"}},
+    {"NoFinalLineFeed", "a\nb", {"a", "b"}},
+    {"OneByte", "a", {"a"}},
+    {"EmptyLineFirst", "\na\n", {"", "a"}},
+    {"EmptyLineBetween", "a\n\nb\n", {"a", "", "b"}},
+    {"CarriageReturnsStay", "a\r\nb\r\n\r", {"a\r", "b\r", "\r"}},
+    {"OtherWhiteSpaceStays", " a\t\n\v\f\n", {" a\t", "\v\f"}},
+    {"NulsStay", "a\0b\n\0\n"s, {"a\0b"s, "\0"s}},
+    {"BytesAbove127Stay", "\xff\xfe\n\x80", {"\xff\xfe", "\x80"}},
+};
+class SmallFile : public testing::TestWithParam<SmallCase> {};
+
+TEST_P(SmallFile, IsReadLineByLine) {
+  const ScratchDir dir;
+  EXPECT_EQ(lines_of(dir.write("in", GetParam().text)), GetParam().expected);
+}
+INSTANTIATE_TEST_SUITE_P(Files, SmallFile, testing::ValuesIn(small_cases),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+// Lines around the sizes at which the reader's buffers end
+
+class LineOfSize : public testing::TestWithParam<std::size_t> {
+ protected:
+  // Begins and ends with another byte than the rest, so that no byte can be lost unseen.
+  std::string line() const {
+    std::string bytes(GetParam(), 'x');
+    if (!bytes.empty()) {
+      bytes.back() = 'z';
+      bytes.front() = 'a';
+    }
+    return bytes;
+  }
+};
+
+TEST_P(LineOfSize, IsReadWhole) {
+  const ScratchDir dir;
+  EXPECT_EQ(lines_of(dir.write("in", line() + "\n")), Lines{line()});
+}
+
+TEST_P(LineOfSize, IsReadWholeWithoutALineFeed) {
+  const ScratchDir dir;
+  EXPECT_EQ(lines_of(dir.write("in", line())), line().empty() ? Lines() : Lines{line()});
+}
+
+TEST_P(LineOfSize, LeavesTheLinesBehindItWhole) {
+  const ScratchDir dir;
+  EXPECT_EQ(lines_of(dir.write("in", line() + "\nb\n\n" + line() + "\nc")),
+            (Lines{line(), "b", "", line(), "c"}));
+}
+
+TEST_P(LineOfSize, StandsBehindOtherLines) {
+  const ScratchDir dir;
+  EXPECT_EQ(lines_of(dir.write("in", "short\n\n" + line() + "\n" + line() + "\n")),
+            (Lines{"short", "", line(), line()}));
+}
+
+TEST_P(LineOfSize, KeepsItsFirstWords) {
+  const ScratchDir dir;
+  const std::string gap(GetParam(), ' ');
+  const std::string text = gap + "H" + gap + "1\t" + gap + "2\v3 4" + gap + "\nnext line\n" + gap;
+  EXPECT_EQ(line_starts_of(dir.write("in", text), 4), gap.empty()
+                                                          ? (Lines{"H1|2|3|4|", "next|line|"})
+                                                          : (Lines{"H|1|2|3|", "next|line|", ""}));
+}
+
+TEST_P(LineOfSize, KeepsALongFirstWord) {
+  const ScratchDir dir;
+  EXPECT_EQ(line_starts_of(dir.write("in", line() + " 1 2 3\n" + line()), 2),
+            line().empty() ? (Lines{"1|2|"}) : (Lines{line() + "|1|", line() + "|"}));
+}
+
+TEST_P(LineOfSize, IsPassedOver) {
+  const ScratchDir dir;
+  LineReader reader(dir.write("in", line() + "\nb\n" + line() + "\nc"));
+  std::string_view text;
+  reader.skip_line();
+  ASSERT_TRUE(reader.next_line(text));
+  EXPECT_EQ(text, "b");
+  reader.skip_line();
+  ASSERT_TRUE(reader.next_line_start(1, text));
+  EXPECT_EQ(text, "c");
+  reader.skip_line();
+  reader.skip_line();
+  EXPECT_FALSE(reader.next_line(text));
+}
+INSTANTIATE_TEST_SUITE_P(Sizes, LineOfSize,
+                         testing::Values(0, 1, 2, 16'383, 16'384, 16'385, 32'764, 32'765, 32'766,
+                                         32'767, 32'768, 32'769, 32'770, 65'534, 65'535, 65'536,
+                                         65'537, 98'303, 98'304, 98'305, 131'072, 1'000'000),
+                         [](const auto& one) { return std::to_string(one.param); });
+
+TEST(LineReader, KeepsOnlyTheFirstWordsOfALineTooLongForItsBuffer) {
+  const ScratchDir dir;
+  const std::string text = "\t H" + std::string(40'000, ' ') + "1\t\v 2 3 4" + std::string(9, 'x');
+  LineReader reader(dir.write("in", text + "\n" + text + "\n" + text));
+  std::string_view line;
+  ASSERT_TRUE(reader.next_line_start(4, line));
+  EXPECT_EQ(line, "H 1 2 3");
+  ASSERT_TRUE(reader.next_line_start(1, line));
+  EXPECT_EQ(line, "H");
+  ASSERT_TRUE(reader.next_line_start(9, line));
+  EXPECT_EQ(line, "H 1 2 3 4xxxxxxxxx");
+  EXPECT_FALSE(reader.next_line_start(1, line));
+}
+
+TEST(LineReader, TellsALongLineOfBlanksFromTheEndOfTheFile) {
+  const ScratchDir dir;
+  LineReader reader(dir.write("in", std::string(100'000, ' ') + "\n" + std::string(100'000, '\t')));
+  std::string_view line;
+  ASSERT_TRUE(reader.next_line_start(4, line));
+  EXPECT_EQ(line, "");
+  ASSERT_TRUE(reader.next_line_start(4, line));
+  EXPECT_EQ(line, "");
+  EXPECT_FALSE(reader.next_line_start(4, line));
+}
+
+TEST(LineReader, TakesTheThreeWaysOfReadingInTurn) {
+  const ScratchDir dir;
+  const std::string lengthy = "first second" + std::string(70'000, '.');
+  LineReader reader(dir.write("in", "a\nb b\nc\n" + lengthy + " third\n" + lengthy + "\nd\n"));
+  std::string_view line;
+  ASSERT_TRUE(reader.next_line(line));
+  EXPECT_EQ(line, "a");
+  ASSERT_TRUE(reader.next_line_start(2, line));
+  EXPECT_EQ(line, "b b");
+  reader.skip_line();
+  ASSERT_TRUE(reader.next_line_start(1, line));
+  EXPECT_EQ(line, "first");
+  ASSERT_TRUE(reader.next_line(line));
+  EXPECT_EQ(line, lengthy);
+  ASSERT_TRUE(reader.next_line(line));
+  EXPECT_EQ(line, "d");
+  EXPECT_FALSE(reader.next_line(line));
+}
+
+// Files that have no lines
+
+struct OddFile {
+  const char* name;
+  std::string (*make)(const ScratchDir& dir);
+};
+const std::vector<OddFile> odd_files = {
+    {"Missing", [](const ScratchDir& dir) { return dir.path_of("none"); }},
+    {"InAMissingDirectory", [](const ScratchDir& dir) { return dir.path_of("none/none"); }},
+    {"BelowAFile", [](const ScratchDir& dir) { return dir.write("file", "text\n") + "/below"; }},
+    {"EmptyPath", [](const ScratchDir&) { return ""s; }},
+    {"Directory", [](const ScratchDir& dir) { return dir.path().string(); }},
+    {"NullDevice", [](const ScratchDir&) { return "/dev/null"s; }},
+    {"EndlessDevice", [](const ScratchDir&) { return "/dev/zero"s; }},
+    {"Fifo",
+     [](const ScratchDir& dir) {
+       EXPECT_EQ(mkfifo(dir.path_of("fifo").c_str(), 0600), 0);
+       return dir.path_of("fifo");
+     }},
+    {"LinkToAFifo",
+     [](const ScratchDir& dir) {
+       EXPECT_EQ(mkfifo(dir.path_of("fifo").c_str(), 0600), 0);
+       std::filesystem::create_symlink("fifo", dir.path() / "link");
+       return dir.path_of("link");
+     }},
+    {"DanglingLink",
+     [](const ScratchDir& dir) {
+       std::filesystem::create_symlink("none", dir.path() / "link");
+       return dir.path_of("link");
+     }},
+    {"LinkToItself",
+     [](const ScratchDir& dir) {
+       std::filesystem::create_symlink("link", dir.path() / "link");
+       return dir.path_of("link");
+     }},
+    {"NameOf300Bytes", [](const ScratchDir& dir) { return dir.path_of(std::string(300, 'n')); }},
+    {"PathOf5000Bytes",
+     [](const ScratchDir& dir) {
+       std::string path = dir.path().string();
+       while (path.size() < 5'000) {
+         path += "/.";
+       }
+       return path;
+     }},
+};
+class FileWithoutLines : public testing::TestWithParam<OddFile> {};
+
+TEST_P(FileWithoutLines, IsNoFailure) {
+  const ScratchDir dir;
+  const std::string path = GetParam().make(dir);
+  EXPECT_EQ(lines_of(path), Lines());
+  EXPECT_EQ(line_starts_of(path, 4), Lines());
+  LineReader reader(path);
+  std::string_view line;
+  reader.skip_line();
+  reader.skip_line();
+  EXPECT_FALSE(reader.next_line(line));
+}
+INSTANTIATE_TEST_SUITE_P(Files, FileWithoutLines, testing::ValuesIn(odd_files),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+TEST(LineReader, FindsNoLinesInAFileThatCannotBeOpened) {
+  const ScratchDir dir;
+  const std::string path = dir.write("in", "text\n");
+  std::filesystem::permissions(dir.path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(path, std::filesystem::perms::none);
+  const OrdinaryUser user;
+  if (!user.is_one()) {
+    GTEST_SKIP() << "no ordinary user";
+  }
+  EXPECT_EQ(lines_of(path), Lines());
+}
+
+TEST(LineReader, FindsNoLinesInAFileThatCannotBeRead) {
+  const std::string path = "/proc/self/mem";  // opens, but there is nothing at its beginning
+  if (!std::filesystem::is_regular_file(path)) {
+    GTEST_SKIP() << "no " << path << " here";
+  }
+  EXPECT_EQ(lines_of(path), Lines());
+  EXPECT_EQ(line_starts_of(path, 4), Lines());
+}
+
+TEST(LineReader, FollowsALinkToAFile) {
+  const ScratchDir dir;
+  dir.write("file", "a\nb\n");
+  std::filesystem::create_symlink("file", dir.path() / "link");
+  EXPECT_EQ(lines_of(dir.path_of("link")), (Lines{"a", "b"}));
+}
+
+// Against a stream
+
+TEST(LineReader, ReadsTheLinesThatAStreamReads) {
+  std::mt19937_64 random(577215);
+  const ScratchDir dir;
+  for (int i = 0; i < 200; ++i) {
+    std::string text;
+    for (auto lines = random() % 40; lines > 0; --lines) {
+      const std::size_t longest = random() % 8 == 0 ? 100'000 : 200;
+      text.append(random() % longest, static_cast<char>('a' + random() % 26));
+      text += lines == 1 && random() % 2 == 0 ? "" : "\n";
+    }
+    std::istringstream stream(text);
+    Lines expected;
+    for (std::string line; std::getline(stream, line);) {
+      expected.push_back(line);
+    }
+    ASSERT_EQ(lines_of(write_anew(dir, "in", text)), expected) << "file " << i;
+  }
+}
+
+// Memory
+
+long peak_kilobytes() {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+TEST(LineReader, NeedsNoMemoryForALineThatItPassesOver) {
+  const ScratchDir dir;
+  const std::string path = dir.write("in", "a\n");
+  std::filesystem::resize_file(path, 100'000'000U);  // the second line, a hole of NULs
+  std::ofstream(path, std::ios::binary | std::ios::app) << "\nc\n";
+  const long before = peak_kilobytes();
+  LineReader reader(path);
+  std::string_view line;
+  ASSERT_TRUE(reader.next_line_start(1, line));
+  EXPECT_EQ(line, "a");
+  reader.skip_line();
+  ASSERT_TRUE(reader.next_line(line));
+  EXPECT_EQ(line, "c");
+  EXPECT_LT(peak_kilobytes() - before, 20'000);
+}
+
+}  // namespace
+}  // namespace vqvec
