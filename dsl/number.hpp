@@ -3,6 +3,7 @@
 #ifndef VQVEC_DSL_NUMBER_HPP
 #define VQVEC_DSL_NUMBER_HPP
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -19,6 +20,15 @@ std::optional<double> read_finite_number(std::string_view text);
 
 // As above, but fails with label + " is not a finite number: " + text as passed in.
 double parse_finite_number(std::string_view text, std::string_view label);
+
+// A number of everyday form at the front of the text: an optional '-', digits, possibly a point and
+// more digits. Nothing when it has so many digits that reading it takes more than one rounding;
+// what stands behind it is for the caller to judge.
+struct PlainDecimal {
+  double value;
+  std::size_t length;  // of its text
+};
+std::optional<PlainDecimal> read_plain_decimal(std::string_view text);
 
 // The unsigned decimal number that the text begins with, behind optional white space and a sign.
 // Whatever follows the digits is ignored, and "-1" is 2^64 - 1, as with stoull. Nothing when there

@@ -1,9 +1,6 @@
 #include "taskstore/field_reader.hpp"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <system_error>
 
 #include "dsl/lexical.hpp"
 #include "dsl/number.hpp"
@@ -55,29 +52,21 @@ std::string_view FieldReader::read_word() {
 
 std::optional<double> FieldReader::read_number() {
   skip_space();
-  if (const auto plain = read_plain_number()) {
-    return plain;
+  // Most numbers are plain and end at white space; then there is nothing to find out.
+  if (const auto plain = read_plain_decimal(rest_);
+      plain && (plain->length == rest_.size() || is_space(rest_[plain->length]))) {
+    rest_.remove_prefix(plain->length);
+    return plain->value;
   }
   const std::string_view number = rest_.substr(0, number_length(rest_));
   rest_.remove_prefix(number.size());
   return read_finite_number(number);
 }
 
-// A number that white space or the end of the line follows reads the same either way; from_chars
-// needs no second look at it.
-std::optional<double> FieldReader::read_plain_number() {
-  double value = 0.0;
-  const auto [end, error] = std::from_chars(rest_.begin(), rest_.end(), value);
-  if (error != std::errc() || !std::isfinite(value) || (end != rest_.end() && !is_space(*end))) {
-    return std::nullopt;
-  }
-  rest_.remove_prefix(static_cast<std::size_t>(end - rest_.begin()));
-  return value;
-}
-
 void FieldReader::skip_space() {
-  const auto first = std::find_if_not(rest_.begin(), rest_.end(), is_space);
-  rest_.remove_prefix(static_cast<std::size_t>(first - rest_.begin()));
+  while (!rest_.empty() && is_space(rest_.front())) {
+    rest_.remove_prefix(1);
+  }
 }
 
 }  // namespace vqvec

@@ -21,7 +21,6 @@ class FieldReader {
 
  private:
   void skip_space();
-  std::optional<double> read_plain_number();
 
   std::string_view rest_;
 };

@@ -15,7 +15,7 @@ class TextArena {
   std::string_view store(std::string_view text);
 
   // The same, in the place of an earlier text of this arena that nobody needs any more, where it
-  // fits: a file that was appended to a hundred times then costs no more than its last run.
+  // fits: a file that was appended to a hundred times then costs a few times its last run.
   std::string_view store_over(std::string_view replaced, std::string_view text);
 
  private:
