@@ -329,6 +329,14 @@ TEST(ExpandTaskGlob, ListsDirectoriesWithoutResultsToo) {
   EXPECT_EQ(expand("t*:q"), (Tasks{"t1", "t2"}));
 }
 
+TEST(ExpandTaskGlob, ListsTheWorkingDirectoryItself) {
+  const TaskTree tree("run2");
+  for (const char* name : {"run1", "run10", "other", "run2/run_sub"}) {
+    tree.add_directory(name);
+  }
+  EXPECT_EQ(expand("run*:q"), (Tasks{"run1", "run10", "run2", "run_sub"}));
+}
+
 TEST(ExpandTaskGlob, TakesAbsolutePatterns) {
   const TaskTree tree;
   tree.add_directory("t2");
@@ -429,6 +437,18 @@ TEST_P(LinkLoop, FailsWithWhatTheSystemSays) {
 }
 INSTANTIATE_TEST_SUITE_P(Links, LinkLoop, testing::ValuesIn(loop_cases),
                          [](const auto& one) { return std::string(one.param.name); });
+
+TEST(LinkLoops, AreMetAmongTheSiblingsFirst) {
+  const TaskTree tree;
+  tree.add_link("here/loop", "loop");
+  tree.add_link("loop", "loop");
+  try {
+    expand("t*:q");
+    FAIL() << "no failure";
+  } catch (const fs::filesystem_error& failure) {
+    EXPECT_EQ(failure.path1(), tree.root().path() / "loop");
+  }
+}
 
 TEST(LinkLoopElsewhere, IsNotLookedAt) {
   const TaskTree tree;
