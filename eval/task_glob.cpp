@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "dsl/lexical.hpp"
+#include "taskstore/memory_failure.hpp"
 
 namespace vqvec {
 namespace {
@@ -36,8 +37,10 @@ class DirectorySearch {
   // A root that is missing or can't be listed has no matches.
   void search(const SearchRoot& root) {
     const fs::path absolute_root = (working_directory_ / root.directory).lexically_normal();
-    std::error_code ignored;
-    for (const fs::directory_entry& entry : fs::directory_iterator(root.directory, ignored)) {
+    std::error_code error;
+    const fs::directory_iterator entries(root.directory, error);
+    require_memory(error);
+    for (const fs::directory_entry& entry : entries) {
       if (!entry.is_directory()) {  // asked before the name: a link that can't be judged fails
         continue;
       }

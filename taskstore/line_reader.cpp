@@ -1,11 +1,13 @@
 #include "taskstore/line_reader.hpp"
 
+#include <cerrno>
 #include <filesystem>
 #include <ios>
 #include <system_error>
 #include <utility>
 
 #include "dsl/lexical.hpp"
+#include "taskstore/memory_failure.hpp"
 
 namespace vqvec {
 namespace {
@@ -42,12 +44,15 @@ class FirstWords {
 LineReader::LineReader(const std::string& path) {
   std::error_code error;  // of anything but a regular file: opening a FIFO would wait for a writer
   const std::uintmax_t size = std::filesystem::file_size(path, error);
+  require_memory(error);
   if (error) {
     return;
   }
   file_size_ = size;
   file_.pubsetbuf(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
-  file_.open(path, std::ios::in);
+  if (file_.open(path, std::ios::in) == nullptr) {
+    require_memory(std::error_code(errno, std::generic_category()));
+  }
 }
 
 bool LineReader::next_line(std::string_view& line) {

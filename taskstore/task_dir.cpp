@@ -7,6 +7,7 @@
 #include "dsl/lexical.hpp"
 #include "taskstore/eval_context.hpp"
 #include "taskstore/kv_file.hpp"
+#include "taskstore/memory_failure.hpp"
 
 namespace vqvec {
 namespace {
@@ -32,9 +33,13 @@ bool names_working_directory(std::string_view name) {
 
 bool is_directory(const std::string& base, std::string_view name) {
   constexpr std::size_t longest_path = 4096;  // no system takes more, so it need not be asked
-  std::error_code ignored;
-  return base.size() + name.size() <= longest_path &&
-         fs::is_directory(base / fs::path(name), ignored);
+  if (base.size() + name.size() > longest_path) {
+    return false;
+  }
+  std::error_code error;
+  const bool is_there = fs::is_directory(base / fs::path(name), error);
+  require_memory(error);
+  return is_there;
 }
 
 // Sets the base of a named task, and says whether the directory exists. Siblings of the working
@@ -63,16 +68,20 @@ std::string extension_of(std::string_view name) {
 }
 
 bool is_regular_file(const fs::directory_entry& entry) {
-  std::error_code ignored;
-  return entry.is_regular_file(ignored);
+  std::error_code error;
+  const bool is_file = entry.is_regular_file(error);
+  require_memory(error);
+  return is_file;
 }
 
 // The files that may hold the geometry, the best first. Only `.xyz` files can be preferred.
 std::vector<std::string> list_geometry_files(const std::string& dir) {
   std::vector<std::string> preferred;
   std::vector<std::string> ordinary;
-  std::error_code ignored;  // a directory that can't be listed has no geometry
-  for (const fs::directory_entry& entry : fs::directory_iterator(dir, ignored)) {
+  std::error_code error;
+  const fs::directory_iterator entries(dir, error);
+  require_memory(error);  // else a directory that can't be listed has no geometry
+  for (const fs::directory_entry& entry : entries) {
     const std::string path = entry.path().string();
     const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
     const std::string extension = extension_of(name);
