@@ -37,7 +37,7 @@ const std::vector<TextCase> text_cases = {
     {"WithoutLineFeeds", "old", "new"},
     {"LineEndsAreNotTranslated", "old\r\n", "a\r\nb\nc\r"},
     {"AnyBytes", "\0\xff"s, "\0\x1a\xfe\xff電荷"s},
-    {"LargerThanAnyBuffer", std::string(100'000, 'o'), std::string(3'000'000, 'n')},
+    {"LargerThanABuffer", std::string(10'000, 'o'), std::string(100'000, 'n')},
 };
 class WrittenText : public testing::TestWithParam<TextCase> {};
 
@@ -70,6 +70,14 @@ TEST_P(WrittenText, MakesMissingParentDirectories) {
 }
 INSTANTIATE_TEST_SUITE_P(Texts, WrittenText, testing::ValuesIn(text_cases),
                          [](const auto& one) { return std::string(one.param.name); });
+
+TEST(TextFile, MayHaveMegabytes) {
+  const ScratchDir dir;
+  const std::string text(5'000'000, 'x');
+  write_text_file(dir.path_of("v.kv"), text);
+  append_text_file(dir.path_of("v.kv"), text);
+  EXPECT_EQ(dir.read("v.kv"), text + text);
+}
 
 TEST(AppendTextFile, PutsEveryTextBehindTheLast) {
   const ScratchDir dir;

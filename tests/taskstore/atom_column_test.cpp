@@ -118,6 +118,20 @@ TEST(AtomColumn, TakesAssignmentsBetweenLookUps) {
   EXPECT_EQ(column.find(6), std::nullopt);
 }
 
+TEST(AtomColumn, ListsAnAtomOnceThatWasBehindAGapAtALookUp) {
+  TextArena arena;
+  AtomColumn column;
+  column.assign(2, "old", arena);
+  column.assign(4, "d", arena);
+  EXPECT_EQ(column.find(4), "d");
+  column.assign(1, "a", arena);
+  column.assign(2, "new", arena);
+  column.assign(3, "c", arena);
+  const auto entries = column.entries();
+  EXPECT_EQ(Assignments(entries.begin(), entries.end()),
+            (Assignments{{1, "a"}, {2, "new"}, {3, "c"}, {4, "d"}}));
+}
+
 // Small numbers come often enough to fill and close gaps.
 std::uint64_t random_atom(std::mt19937_64& random, std::uint64_t next) {
   switch (random() % 8) {
@@ -135,13 +149,16 @@ std::uint64_t random_atom(std::mt19937_64& random, std::uint64_t next) {
 
 TEST(AtomColumn, BehavesAsAnOrderedMapOfItsAtoms) {
   std::mt19937_64 random(20240101);
-  for (int round = 0; round < 1'000; ++round) {
+  for (int round = 0; round < 3'000; ++round) {
     TextArena arena;
     AtomColumn column;
     std::map<std::uint64_t, std::string> expected;
     const bool looks_up_between = round % 2 == 0;
     for (auto steps = random() % 60; steps > 0; --steps) {
-      const std::uint64_t atom = random_atom(random, expected.size() + 1);
+      // In every third round most atoms come in order.
+      const std::uint64_t next = expected.size() + 1;
+      const bool is_in_order = round % 3 == 0 && random() % 8 > 0;
+      const std::uint64_t atom = is_in_order ? next : random_atom(random, next);
       const std::string value = std::to_string(random() % 100'000);
       column.assign(atom, value, arena);
       expected[atom] = value;

@@ -145,7 +145,7 @@ const std::vector<WordCase> word_cases = {
     {"NulIsPartOfAWord", "H\0x 0"s, {"H\0x"s, "0"}},
     {"NoBreakSpaceIsPartOfAWord", "H\xc2\xa0x 0", {"H\xc2\xa0x", "0"}},
     {"ByteA0IsPartOfAWord", "H\xa0 0", {"H\xa0", "0"}},
-    {"LongWord", std::string(100'000, 'H') + " 0", {std::string(100'000, 'H'), "0"}},
+    {"LongWord", std::string(10'000, 'H') + " 0", {std::string(10'000, 'H'), "0"}},
 };
 class WordFields : public testing::TestWithParam<WordCase> {};
 
