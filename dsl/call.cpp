@@ -43,13 +43,12 @@ FunctionCall parse_function_call(std::string_view text) {
   if (!is_function_name(name)) {
     return {};
   }
-  switch (find_closing(trimmed.substr(open))) {
-    case Closing::earlier:
-      return {};
-    case Closing::never:
-      throw std::runtime_error("unbalanced function expression: " + std::string(text));
-    case Closing::at_end:
-      break;
+  const Closing closing = find_closing(trimmed.substr(open));
+  if (closing == Closing::earlier) {
+    return {};
+  }
+  if (closing == Closing::never) {
+    throw std::runtime_error("unbalanced function expression: " + std::string(text));
   }
   return {to_lower(name), trimmed.substr(open + 1, trimmed.size() - open - 2)};
 }

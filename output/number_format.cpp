@@ -72,7 +72,8 @@ std::uint64_t scale_and_round(double value, int power) {
 // A sign, if needed, and the digits of `scaled` with a point before the last `decimals` of them.
 void append_scaled(std::string& text, bool is_negative, std::uint64_t scaled,
                    std::size_t decimals) {
-  char digits[24];
+  constexpr std::size_t longest_integer = 24;
+  char digits[longest_integer];
   const auto end = std::to_chars(digits, std::end(digits), scaled).ptr;
   const auto count = static_cast<std::size_t>(end - digits);
   if (is_negative) {

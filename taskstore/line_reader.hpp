@@ -50,8 +50,10 @@ class LineReader {
   bool next_piece(Piece& piece);
   bool fill();
 
+  static constexpr std::size_t buffer_size = 32768;
+
   std::uintmax_t file_size_ = 0;
-  std::array<char, std::size_t{32} * 1024> buffer_;  // never cleared: small files would feel it
+  std::array<char, buffer_size> buffer_;  // never cleared: small files would feel it
   FileBuffer file_;
   bool has_failed_ = false;
   std::string line_;  // one that came in several pieces
