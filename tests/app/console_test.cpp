@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <locale>
 #include <sstream>
@@ -124,73 +124,81 @@ TEST(WriteLineEndAndFlush, TakesTheNewlineOfTheStreamsLocale) {
   EXPECT_EQ(buffer.str(), "|");
 }
 
-// The whole process
+// The console of a whole process. Standard error must not have been written to before, so each of
+// these tests starts the test program anew.
 
-// What a child process leaves behind.
-struct Child {
-  int status = 0;
-  std::vector<std::string> messages;  // one for every write on standard error
+// Leads standard error into a socket that keeps the writes apart.
+class ErrorWrites {
+ public:
+  ErrorWrites() {
+    if (socketpair(AF_UNIX, SOCK_DGRAM, 0, sockets_) != 0) {
+      std::abort();
+    }
+    dup2(sockets_[1], STDERR_FILENO);
+  }
+
+  // Those that came since the last call.
+  std::vector<std::string> take() const {
+    std::vector<std::string> writes;
+    char bytes[8'192];
+    for (;;) {
+      const ssize_t size = recv(sockets_[0], bytes, sizeof bytes, MSG_DONTWAIT);
+      if (size <= 0) {
+        return writes;
+      }
+      writes.emplace_back(bytes, static_cast<std::size_t>(size));
+    }
+  }
+
+ private:
+  int sockets_[2] = {};
 };
 
-// Runs the function in a process of its own, with standard error going to a socket that keeps
-// writes apart.
-Child run_in_child(void (*function)()) {
-  int sockets[2] = {};
-  EXPECT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, sockets), 0);
-  const pid_t child = fork();
-  EXPECT_GE(child, 0);
-  if (child == 0) {
-    dup2(sockets[1], STDERR_FILENO);
-    function();
-    _exit(0);
-  }
-  Child result;
-  waitpid(child, &result.status, 0);
-  char message[8'192];
-  for (;;) {
-    const ssize_t size = recv(sockets[0], message, sizeof message, MSG_DONTWAIT);
-    if (size <= 0) {
-      break;
-    }
-    result.messages.emplace_back(message, static_cast<std::size_t>(size));
-  }
-  close(sockets[0]);
-  close(sockets[1]);
-  return result;
+using Lines = std::vector<std::string>;
+
+class PrepareConsoleDeathTest : public testing::Test {
+ protected:
+  PrepareConsoleDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+[[noreturn]] void exit_with(bool is_good) {
+  _exit(is_good ? 0 : 1);
 }
 
-TEST(PrepareConsole, LetsAnErrorLineReachStandardErrorInOneWrite) {
-  const Child child = run_in_child([] {
-    prepare_console();
-    print_error(std::string(5'000, 'x').c_str());
-    print_error("second line");
-  });
-  EXPECT_EQ(child.status, 0);
-  const std::vector<std::string> expected = {
-      "\xe9\x94\x99\xe8\xaf\xaf: " + std::string(5'000, 'x') + "\n",
-      "\xe9\x94\x99\xe8\xaf\xaf: second line\n"};
-  EXPECT_EQ(child.messages, expected);
+[[noreturn]] void write_two_lines() {
+  const ErrorWrites writes;
+  prepare_console();
+  print_error(std::string(5'000, 'x').c_str());
+  print_error("second line");
+  exit_with(writes.take() == Lines{"\xe9\x94\x99\xe8\xaf\xaf: " + std::string(5'000, 'x') + "\n",
+                                   "\xe9\x94\x99\xe8\xaf\xaf: second line\n"});
 }
 
-TEST(PrepareConsole, LeavesSignalsOfFailedWritesWithoutEffect) {
-  const Child child = run_in_child([] {
-    prepare_console();
-    std::raise(SIGPIPE);
-    std::raise(SIGXFSZ);
-    print_error("still there");
-  });
-  EXPECT_EQ(child.status, 0);
-  const std::vector<std::string> expected = {"\xe9\x94\x99\xe8\xaf\xaf: still there\n"};
-  EXPECT_EQ(child.messages, expected);
+[[noreturn]] void raise_signals_of_failed_writes() {
+  const ErrorWrites writes;
+  prepare_console();
+  std::raise(SIGPIPE);
+  std::raise(SIGXFSZ);
+  print_error("still there");
+  exit_with(writes.take() == Lines{"\xe9\x94\x99\xe8\xaf\xaf: still there\n"});
 }
 
-TEST(PrepareConsole, LeavesOtherSignalsAlone) {
-  const Child child = run_in_child([] {
-    prepare_console();
-    std::raise(SIGTERM);
-  });
-  EXPECT_TRUE(WIFSIGNALED(child.status));
-  EXPECT_EQ(WTERMSIG(child.status), SIGTERM);
+[[noreturn]] void raise_another_signal() {
+  prepare_console();
+  std::raise(SIGTERM);
+  exit_with(false);
+}
+
+TEST_F(PrepareConsoleDeathTest, LetsAnErrorLineReachStandardErrorInOneWrite) {
+  EXPECT_EXIT(write_two_lines(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(PrepareConsoleDeathTest, LeavesSignalsOfFailedWritesWithoutEffect) {
+  EXPECT_EXIT(raise_signals_of_failed_writes(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(PrepareConsoleDeathTest, LeavesOtherSignalsAlone) {
+  EXPECT_EXIT(raise_another_signal(), testing::KilledBySignal(SIGTERM), "");
 }
 
 }  // namespace
