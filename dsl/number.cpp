@@ -7,18 +7,36 @@
 #include <string>
 #include <system_error>
 
+#include "dsl/eight_digits.hpp"
 #include "dsl/lexical.hpp"
 
 namespace vqvec {
 namespace {
 
-// Appends the digits at `next` to the integer and moves behind them. Returns how many there are.
-std::size_t read_digits(const char*& next, const char* end, std::uint64_t& integer) {
-  const char* const first = next;
-  for (; next != end && *next >= '0' && *next <= '9'; ++next) {
-    integer = 10 * integer + static_cast<std::uint64_t>(*next - '0');
+// Out here, since a function would make its own copy in every call.
+constexpr double powers_of_ten[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
+                                    1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
+
+// A number and what stands behind its digits. Too many of them wrap around.
+struct Digits {
+  std::uint64_t number;
+  const char* end;
+};
+
+// The digits from `next` on, behind those of a number.
+inline Digits read_digits(std::uint64_t number, const char* next, const char* end) {
+  while (end - next >= std::ptrdiff_t{eight_digits::count}) {
+    const std::uint64_t bytes = eight_digits::load(next);
+    if (!eight_digits::are_digits(bytes)) {
+      break;
+    }
+    number = number * eight_digits::limit + eight_digits::to_number(bytes);
+    next += eight_digits::count;
   }
-  return static_cast<std::size_t>(next - first);
+  for (; next != end && *next >= '0' && *next <= '9'; ++next) {
+    number = number * 10 + static_cast<std::uint64_t>(*next - '0');
+  }
+  return {number, next};
 }
 
 // What strtod can begin with: white space, a sign, a digit, a point, inf or nan.
@@ -74,29 +92,24 @@ double parse_finite_number(std::string_view text, std::string_view label) {
 }
 
 std::optional<PlainDecimal> read_plain_decimal(std::string_view text) {
-  constexpr std::size_t most_digits = 18;                           // fit into 64 bits
+  constexpr std::ptrdiff_t most_digits = 18;                        // fit into 64 bits
   constexpr std::uint64_t largest_exact = std::uint64_t{1} << 53U;  // in a double
-  constexpr double powers_of_ten[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
-                                      1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
   const char* const end = text.data() + text.size();
-  const char* next = text.data();
-  const bool is_negative = next != end && *next == '-';
-  next += is_negative ? 1 : 0;
-  std::uint64_t digits = 0;  // as one integer, without the point
-  const std::size_t whole_digits = read_digits(next, end, digits);
-  std::size_t decimals = 0;
-  if (next != end && *next == '.') {
-    ++next;
-    decimals = read_digits(next, end, digits);
-  }
-  const std::size_t count = whole_digits + decimals;
-  if (count == 0 || count > most_digits || digits > largest_exact) {
+  const bool is_negative = text.starts_with('-');
+  const char* const first = text.data() + (is_negative ? 1 : 0);
+  const Digits whole = read_digits(0, first, end);
+  const bool has_point = whole.end != end && *whole.end == '.';
+  // The point is left out: all digits make one integer.
+  const Digits all = has_point ? read_digits(whole.number, whole.end + 1, end) : whole;
+  const std::ptrdiff_t decimals = has_point ? all.end - whole.end - 1 : 0;
+  const std::ptrdiff_t count = whole.end - first + decimals;
+  if (count == 0 || count > most_digits || all.number > largest_exact) {
     return std::nullopt;
   }
   // Both are exact, so the division rounds once, as reading the text would.
-  const double magnitude = static_cast<double>(digits) / powers_of_ten[decimals];
+  const double magnitude = static_cast<double>(all.number) / powers_of_ten[decimals];
   return PlainDecimal{is_negative ? -magnitude : magnitude,
-                      static_cast<std::size_t>(next - text.data())};
+                      static_cast<std::size_t>(all.end - text.data())};
 }
 
 std::optional<std::uint64_t> read_count(std::string_view text) {

@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "dsl/eight_digits.hpp"
+
 namespace vqvec {
 namespace {
 
@@ -46,6 +48,10 @@ constexpr std::uint64_t powers_of_ten[] = {
     10'000'000'000'000'000'000ULL,
 };
 
+// Out here, since a function would make its own copy in every call.
+constexpr double decades[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1,  1e2,  1e3,  1e4, 1e5,
+                              1e6,  1e7,  1e8,  1e9, 1e10, 1e11, 1e12, 1e13};
+
 // |value| * 10^power, rounded. The value must be below 2^52 and the result below 2^64.
 std::uint64_t scale_and_round(double value, int power) {
   __extension__ using Wide = unsigned __int128;
@@ -69,26 +75,40 @@ std::uint64_t scale_and_round(double value, int power) {
   return whole + (rounds_up ? 1 : 0);
 }
 
+// Writes the last `count` digits of the number, with leading zeros, and ends at `end`.
+void write_digits(char* end, std::size_t count, std::uint64_t number) {
+  constexpr std::uint64_t ten = 10;
+  for (; count >= eight_digits::count; count -= eight_digits::count) {
+    end -= eight_digits::count;
+    eight_digits::store(eight_digits::from_number(number % eight_digits::limit), end);
+    number /= eight_digits::limit;
+  }
+  for (; count > 0; --count) {
+    *--end = static_cast<char>('0' + number % ten);
+    number /= ten;
+  }
+}
+
 // A sign, if needed, and the digits of `scaled` with a point before the last `decimals` of them.
+// Written in their final place: short copies of what was just written are slow.
 void append_scaled(std::string& text, bool is_negative, std::uint64_t scaled,
                    std::size_t decimals) {
-  constexpr std::size_t longest_integer = 24;
-  char digits[longest_integer];
-  const auto end = std::to_chars(digits, std::end(digits), scaled).ptr;
-  const auto count = static_cast<std::size_t>(end - digits);
+  constexpr std::size_t longest_number = 22;  // digits, a zero and a point
+  const std::uint64_t unit = powers_of_ten[decimals];
+  const std::uint64_t whole = scaled < unit ? 0 : scaled / unit;  // 0 spares the division
   if (is_negative) {
     text += '-';
   }
-  if (count > decimals) {
-    text.append(digits, count - decimals);
-  } else {
-    text += '0';
-  }
+  const std::size_t begin = text.size();
+  text.append(longest_number, '0');
+  char* next = text.data() + begin;
+  next = std::to_chars(next, next + longest_number, whole).ptr;
   if (decimals > 0) {
-    text += '.';
-    text.append(decimals - std::min(count, decimals), '0');
-    text.append(end - std::min(count, decimals), end);
+    *next++ = '.';
+    next += decimals;
+    write_digits(next, decimals, scaled - whole * unit);
   }
+  text.resize(static_cast<std::size_t>(next - text.data()));
 }
 
 }  // namespace
@@ -108,8 +128,6 @@ std::string format_fixed10(double value) {
 void append_value15(std::string& text, double value) {
   constexpr int digits = 15;
   constexpr double smallest = 1e-4;  // below it printed in scientific notation
-  constexpr double decades[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1,  1e2,  1e3,  1e4, 1e5,
-                                1e6,  1e7,  1e8,  1e9, 1e10, 1e11, 1e12, 1e13};
   constexpr double limit = 1e14;
   const double magnitude = std::fabs(value);
   if (!(magnitude >= smallest && magnitude < limit)) {
@@ -117,7 +135,8 @@ void append_value15(std::string& text, double value) {
     return;
   }
   // As many decimals as leave 15 digits in all. Rounding up can make one digit more of them.
-  const auto above = std::upper_bound(std::begin(decades), std::end(decades), magnitude);
+  const auto above = std::find_if(std::begin(decades), std::end(decades),
+                                  [magnitude](double decade) { return decade > magnitude; });
   int decimals = digits + 3 - static_cast<int>(above - std::begin(decades));
   std::uint64_t scaled = scale_and_round(magnitude, decimals);
   if (scaled == powers_of_ten[digits]) {

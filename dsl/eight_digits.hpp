@@ -1,0 +1,61 @@
+// Decimal digits taken eight at a time, as the bytes of one integer (the first digit is the lowest
+// byte). With a million atoms most of the time goes into digits, and one by one they take twice as
+// long.
+#ifndef VQVEC_DSL_EIGHT_DIGITS_HPP
+#define VQVEC_DSL_EIGHT_DIGITS_HPP
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vqvec::eight_digits {
+
+constexpr std::size_t count = 8;
+constexpr std::uint64_t limit = 100'000'000;  // of the numbers that eight digits can write
+
+// NOLINTBEGIN(readability-magic-numbers): places and powers of ten, and nothing but.
+
+// Eight characters in memory. Compilers make one instruction of each loop.
+inline std::uint64_t load(const char* text) {
+  std::uint64_t bytes = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
+  }
+  return bytes;
+}
+inline void store(std::uint64_t bytes, char* text) {
+  for (std::size_t i = 0; i < count; ++i) {
+    text[i] = static_cast<char>(static_cast<unsigned char>(bytes >> (8 * i)));
+  }
+}
+
+// Whether all are digits: '0' to '9' have a 3 as their upper half, also with 6 added.
+constexpr bool are_digits(std::uint64_t bytes) {
+  constexpr std::uint64_t upper_halves = 0xF0F0F0F0F0F0F0F0;
+  constexpr std::uint64_t sixes = 0x0606060606060606;
+  constexpr std::uint64_t threes = 0x3333333333333333;
+  return ((bytes & upper_halves) | (((bytes + sixes) & upper_halves) >> 4)) == threes;
+}
+
+// The number that eight digits write: neighbours are joined to pairs, pairs to fours, fours to all.
+constexpr std::uint64_t to_number(std::uint64_t bytes) {
+  std::uint64_t parts = bytes & 0x0F0F0F0F0F0F0F0F;
+  parts = (parts * 10 + (parts >> 8)) & 0x00FF00FF00FF00FF;
+  parts = (parts * 100 + (parts >> 16)) & 0x0000FFFF0000FFFF;
+  return (parts * 10000 + (parts >> 32)) & 0xFFFFFFFF;
+}
+
+// The digits of a number below the limit, with leading zeros: the same, backwards. The two products
+// with a shift are quotients by 100 and by 10.
+constexpr std::uint64_t from_number(std::uint64_t number) {
+  std::uint64_t parts = number / 10000 | (number % 10000) << 32;
+  const std::uint64_t hundreds = ((parts * 10486) >> 20) & 0x0000007F0000007F;
+  parts = hundreds | (parts - hundreds * 100) << 16;
+  const std::uint64_t tens = ((parts * 103) >> 10) & 0x000F000F000F000F;
+  return (tens | (parts - tens * 10) << 8) | 0x3030303030303030;
+}
+
+// NOLINTEND(readability-magic-numbers)
+
+}  // namespace vqvec::eight_digits
+
+#endif  // VQVEC_DSL_EIGHT_DIGITS_HPP
