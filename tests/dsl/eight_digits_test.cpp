@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <string>
 
 namespace vqvec::eight_digits {
@@ -46,17 +47,20 @@ TEST(EightDigits, LargestNumber) {
   EXPECT_EQ(stored(from_number(limit - 1)), "99999999");
 }
 
+// Of all 256 characters in one place of a text, those that leave it digits.
+std::string digits_in_place(std::string text, std::size_t place) {
+  std::string accepted;
+  for (int character = 0; character <= std::numeric_limits<unsigned char>::max(); ++character) {
+    text[place] = static_cast<char>(character);
+    accepted += are_digits(load(text.data())) ? text.substr(place, 1) : "";
+  }
+  return accepted;
+}
+
 TEST(EightDigits, AnyOtherCharacterInAnyPlaceIsNoticed) {
-  constexpr int characters = 256;
   for (std::size_t place = 0; place < count; ++place) {
-    for (const char others : {'0', '9'}) {
-      for (int character = 0; character < characters; ++character) {
-        std::string text(count, others);
-        text[place] = static_cast<char>(character);
-        const bool is_digit = character >= '0' && character <= '9';
-        ASSERT_EQ(are_digits(load(text.data())), is_digit) << place << ' ' << character;
-      }
-    }
+    EXPECT_EQ(digits_in_place("00000000", place), "0123456789") << place;
+    EXPECT_EQ(digits_in_place("99999999", place), "0123456789") << place;
   }
 }
 
