@@ -6,12 +6,11 @@ namespace vqvec {
 
 void AtomColumn::assign(std::uint64_t atom, std::string_view value, TextArena& arena) {
   if (atom - 1 < leading_.size()) {
-    std::string_view& earlier = leading_[atom - 1];
-    earlier = arena.store_over(earlier, value);
+    leading_[atom - 1].assign(value, arena);
   } else if (atom - 1 == leading_.size()) {
-    leading_.push_back(arena.store(value));  // a stray of this atom is older and now hidden
+    leading_.emplace_back().assign(value, arena);  // a stray of this atom is older and now hidden
   } else {
-    stray_.emplace_back(atom, arena.store(value));
+    stray_.emplace_back(atom, ValueText()).second.assign(value, arena);
     is_settled_ = false;
   }
 }
@@ -19,10 +18,12 @@ void AtomColumn::assign(std::uint64_t atom, std::string_view value, TextArena& a
 std::vector<AtomColumn::Entry> AtomColumn::entries() const {
   settle();
   std::vector<Entry> all;
-  for (const std::string_view value : leading_) {
-    all.emplace_back(all.size() + 1, value);
+  for (const ValueText& value : leading_) {
+    all.emplace_back(all.size() + 1, value.text());
   }
-  all.insert(all.end(), stray_.begin(), stray_.end());
+  for (const auto& [atom, value] : stray_) {
+    all.emplace_back(atom, value.text());
+  }
   return all;
 }
 
@@ -31,11 +32,11 @@ void AtomColumn::settle() const {
   if (is_settled_ && (stray_.empty() || stray_.front().first > leading_.size() + 1)) {
     return;
   }
-  const auto atom_of = [](const Entry& entry) { return entry.first; };
+  const auto atom_of = [](const Stray& stray) { return stray.first; };
   std::ranges::stable_sort(stray_, {}, atom_of);
-  std::vector<Entry> still_stray;
+  std::vector<Stray> still_stray;
   for (std::size_t i = 0; i < stray_.size(); ++i) {
-    const auto [atom, value] = stray_[i];
+    const auto& [atom, value] = stray_[i];
     const bool is_replaced = i + 1 < stray_.size() && stray_[i + 1].first == atom;
     if (is_replaced || atom <= leading_.size()) {
       continue;
@@ -51,11 +52,11 @@ void AtomColumn::settle() const {
 }
 
 std::optional<std::string_view> AtomColumn::find_stray(std::uint64_t atom) const {
-  const auto found = std::ranges::lower_bound(stray_, atom, {}, &Entry::first);
+  const auto found = std::ranges::lower_bound(stray_, atom, {}, &Stray::first);
   if (found == stray_.end() || found->first != atom) {
     return std::nullopt;
   }
-  return found->second;
+  return found->second.text();
 }
 
 }  // namespace vqvec

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "taskstore/text_arena.hpp"
+#include "taskstore/value_text.hpp"
 
 namespace vqvec {
 
@@ -26,7 +27,7 @@ class AtomColumn {
     if (atom > leading_.size() && !stray_.empty()) {
       settle();
     }
-    return atom - 1 < leading_.size() ? leading_[atom - 1] : find_stray(atom);
+    return atom - 1 < leading_.size() ? leading_[atom - 1].text() : find_stray(atom);
   }
 
   // How many of the atoms 1, 2, 3, ... have values, as far as their order has told already.
@@ -38,14 +39,16 @@ class AtomColumn {
   std::vector<Entry> entries() const;
 
  private:
+  using Stray = std::pair<std::uint64_t, ValueText>;
+
   void settle() const;
   std::optional<std::string_view> find_stray(std::uint64_t atom) const;
 
   // Values of atoms 1, 2, 3, ... without a gap, and the assignments that left one when they came,
   // in the order in which they came. A look-up behind the gap sorts the strays once and moves those
   // that close it.
-  mutable std::deque<std::string_view> leading_;
-  mutable std::vector<Entry> stray_;
+  mutable std::deque<ValueText> leading_;
+  mutable std::vector<Stray> stray_;
   mutable bool is_settled_ = true;
 };
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "taskstore/atom_column.hpp"
+#include "taskstore/atom_key.hpp"
 #include "taskstore/text_arena.hpp"
 
 namespace vqvec {
@@ -36,16 +37,17 @@ class KvMap {
   // an atom in the same order for every atom.
   struct Column {
     AtomColumn values;
-    std::pair<const std::string, Column>* next = nullptr;
+    ExpectedAtomKey expected_key;
+    Column* next = nullptr;
   };
-  using NamedColumn = std::pair<const std::string, Column>;
 
-  AtomColumn& column_for_assignment(std::string_view property);
+  Column* expected_column() const { return latest_ == nullptr ? nullptr : latest_->next; }
+  Column& find_or_add_column(std::string_view property);
 
   TextArena texts_;
-  std::map<std::string, std::string_view, std::less<>> scalars_;  // keys of any other form
+  std::map<std::string, std::string, std::less<>> scalars_;  // keys of any other form
   std::map<std::string, Column, std::less<>> columns_;
-  NamedColumn* latest_ = nullptr;
+  Column* latest_ = nullptr;  // that was assigned to
 };
 
 }  // namespace vqvec

@@ -55,6 +55,19 @@ LineReader::LineReader(const std::string& path) {
   }
 }
 
+// The bytes in hand up to the next line feed, or all of them. False when there are no more.
+inline bool LineReader::next_piece(Piece& piece) {
+  if (file_.bytes().empty() && !fill()) {
+    return false;
+  }
+  const std::string_view bytes = file_.bytes();
+  const auto line_feed = bytes.find('\n');
+  piece.is_last = line_feed != std::string_view::npos;
+  piece.bytes = bytes.substr(0, line_feed);
+  file_.pass(piece.bytes.size() + (piece.is_last ? 1 : 0));
+  return true;
+}
+
 bool LineReader::next_line(std::string_view& line) {
   Piece piece;
   if (!next_piece(piece)) {
@@ -95,19 +108,6 @@ void LineReader::skip_line() {
   Piece piece;
   while (next_piece(piece) && !piece.is_last) {
   }
-}
-
-// The bytes in hand up to the next line feed, or all of them. False when there are no more.
-bool LineReader::next_piece(Piece& piece) {
-  if (file_.bytes().empty() && !fill()) {
-    return false;
-  }
-  const std::string_view bytes = file_.bytes();
-  const auto line_feed = bytes.find('\n');
-  piece.is_last = line_feed != std::string_view::npos;
-  piece.bytes = bytes.substr(0, line_feed);
-  file_.pass(piece.bytes.size() + (piece.is_last ? 1 : 0));
-  return true;
 }
 
 bool LineReader::fill() {

@@ -31,13 +31,24 @@ bool names_working_directory(std::string_view name) {
   return word == "self" || word == "current";
 }
 
+// As the file system library joins paths, which takes apart and copies each piece of them.
+std::string join(const std::string& base, std::string_view name) {
+  if (base.empty() || name.starts_with('/')) {
+    return std::string(name);
+  }
+  std::string path = base;
+  path += base.ends_with('/') ? "" : "/";
+  path += name;
+  return path;
+}
+
 bool is_directory(const std::string& base, std::string_view name) {
   constexpr std::size_t longest_path = 4096;  // no system takes more, so it need not be asked
   if (base.size() + name.size() > longest_path) {
     return false;
   }
   std::error_code error;
-  const bool is_there = fs::is_directory(base / fs::path(name), error);
+  const bool is_there = fs::is_directory(join(base, name), error);
   require_memory(error);
   return is_there;
 }
@@ -82,7 +93,7 @@ std::vector<std::string> list_geometry_files(const std::string& dir) {
   const fs::directory_iterator entries(dir, error);
   require_memory(error);  // else a directory that can't be listed has no geometry
   for (const fs::directory_entry& entry : entries) {
-    const std::string path = entry.path().string();
+    const std::string& path = entry.path().native();
     const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
     const std::string extension = extension_of(name);
     if ((extension != ".xyz" && extension != ".extxyz") || !is_regular_file(entry)) {
@@ -121,7 +132,7 @@ void load(TaskDir& task) {
 }  // namespace
 
 std::string TaskDir::dir() const {
-  return names_working_directory(name) ? base : (base / fs::path(name)).string();
+  return names_working_directory(name) ? base : join(base, name);
 }
 
 const TaskDir& resolve_task(EvalContext& context, std::string_view text) {

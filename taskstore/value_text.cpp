@@ -1,0 +1,30 @@
+#include "taskstore/value_text.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vqvec {
+
+void ValueText::assign_long(std::string_view text, TextArena& arena) {
+  // A file that was appended to a hundred times shall cost a few times its last run: a text takes
+  // the place of the one that it replaces where it fits.
+  const bool has_room = size_ == is_in_arena && text.size() <= place_in_arena().size;
+  Place place = has_room ? place_in_arena() : Place{arena.allocate(text.size()), 0};
+  place.size = text.size();
+  std::copy(text.begin(), text.end(), place.text);
+  std::memcpy(bytes_.data(), &place, sizeof place);
+  size_ = is_in_arena;
+}
+
+ValueText::Place ValueText::place_in_arena() const {
+  Place place{};
+  std::memcpy(&place, bytes_.data(), sizeof place);
+  return place;
+}
+
+std::string_view ValueText::long_text() const {
+  const Place place = place_in_arena();
+  return {place.text, place.size};
+}
+
+}  // namespace vqvec
