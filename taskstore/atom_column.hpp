@@ -3,7 +3,6 @@
 #define VQVEC_TASKSTORE_ATOM_COLUMN_HPP
 
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -22,9 +21,9 @@ class AtomColumn {
   // must outlive the column.
   void assign(std::uint64_t atom, std::string_view value, TextArena& arena);
 
-  // Nothing when the atom has no value.
+  // Nothing when the atom has no value. The view is valid until the next assignment.
   std::optional<std::string_view> find(std::uint64_t atom) const {
-    if (atom > leading_.size() && !stray_.empty()) {
+    if (!stray_.empty()) {
       settle();
     }
     return atom - 1 < leading_.size() ? leading_[atom - 1].text() : find_stray(atom);
@@ -45,9 +44,9 @@ class AtomColumn {
   std::optional<std::string_view> find_stray(std::uint64_t atom) const;
 
   // Values of atoms 1, 2, 3, ... without a gap, and the assignments that left one when they came,
-  // in the order in which they came. A look-up behind the gap sorts the strays once and moves those
-  // that close it.
-  mutable std::deque<ValueText> leading_;
+  // in the order in which they came. The first look-up behind these sorts them and moves those that
+  // close a gap.
+  mutable std::vector<ValueText> leading_;
   mutable std::vector<Stray> stray_;
   mutable bool is_settled_ = true;
 };
