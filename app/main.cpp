@@ -10,7 +10,7 @@ namespace {
 
 // The standard library itself ends the process when memory runs out while it lists a directory, and
 // no longer knows why. That is a failure like any other; everything else comes to main's handler.
-[[noreturn]] void report_and_exit() {
+[[noreturn]] void report_and_exit() {  // uncounted: script/torture comes here, without a profile
   vqvec::print_error(std::bad_alloc().what());
   std::_Exit(EXIT_FAILURE);
 }

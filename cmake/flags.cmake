@@ -4,6 +4,7 @@ include(CMakePushCheckState)
 
 option(VQVEC_WERROR "Warnings are errors" OFF)
 option(VQVEC_STATIC "Link the program fully static where the C library allows it" OFF)
+option(VQVEC_HARDENED "Fortified library calls, stack protector, read-only relocations" OFF)
 set(VQVEC_SANITIZERS "" CACHE STRING "Value for -fsanitize=, for the library, the program and tests")
 option(VQVEC_COVERAGE "Instrument for source-based coverage (clang)" OFF)
 option(VQVEC_LIBFUZZER "Build the fuzzers of fuzz/ (clang)" OFF)
@@ -32,14 +33,29 @@ if(VQVEC_COVERAGE)
   target_link_options(vqvec_flags INTERFACE -fprofile-instr-generate)
 endif()
 
-# A static binary runs on any node of a cluster and starts in half the time.
+# What makes a fault in the program harder to exploit, and costs nothing that can be measured.
+if(VQVEC_HARDENED)
+  target_compile_options(vqvec_flags INTERFACE
+    -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+  target_link_options(vqvec_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+endif()
+
+# A static binary runs on any node of a cluster and starts in half the time. As a position
+# independent one it is loaded at a random address, and finds its exception tables at once.
 add_library(vqvec_static INTERFACE)
 if(VQVEC_STATIC)
-  cmake_push_check_state(RESET)
-  set(CMAKE_REQUIRED_LINK_OPTIONS -static)
-  check_cxx_source_compiles("int main() { return 0; }" VQVEC_CAN_LINK_STATIC)
-  cmake_pop_check_state()
-  if(VQVEC_CAN_LINK_STATIC)
-    target_link_options(vqvec_static INTERFACE -static)
-  endif()
+  foreach(kind static-pie static)
+    cmake_push_check_state(RESET)
+    set(CMAKE_REQUIRED_FLAGS -fPIE)
+    set(CMAKE_REQUIRED_LINK_OPTIONS -${kind})
+    string(MAKE_C_IDENTIFIER VQVEC_CAN_LINK_${kind} can_link)
+    check_cxx_source_compiles("int main() { return 0; }" ${can_link})
+    cmake_pop_check_state()
+    if(${can_link})
+      target_compile_options(vqvec_flags INTERFACE
+        $<$<NOT:$<STREQUAL:$<TARGET_PROPERTY:TYPE>,MODULE_LIBRARY>>:-fPIE>)
+      target_link_options(vqvec_static INTERFACE -${kind})
+      break()
+    endif()
+  endforeach()
 endif()

@@ -13,7 +13,7 @@ class Ready final : public PendingCall {
   explicit Ready(Value value) : value_(std::move(value)) {}
 
   std::optional<Operand> next_operand() override { return std::nullopt; }
-  void take(Value /*value*/) override {}  // unreachable: it asks for no operand
+  void take(Value /*value*/) override {}  // uncounted: it asks for no operand
   Value result() override { return std::move(value_); }
 
  private:
