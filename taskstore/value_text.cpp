@@ -1,6 +1,5 @@
 #include "taskstore/value_text.hpp"
 
-#include <algorithm>
 #include <cstring>
 
 namespace vqvec {
@@ -11,7 +10,7 @@ void ValueText::assign_long(std::string_view text, TextArena& arena) {
   const bool has_room = size_ == is_in_arena && text.size() <= place_in_arena().size;
   Place place = has_room ? place_in_arena() : Place{arena.allocate(text.size()), 0};
   place.size = text.size();
-  std::copy(text.begin(), text.end(), place.text);
+  text.copy(place.text, text.size());
   std::memcpy(bytes_.data(), &place, sizeof place);
   size_ = is_in_arena;
 }

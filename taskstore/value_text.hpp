@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
 #include "taskstore/text_arena.hpp"
@@ -17,7 +16,7 @@ class ValueText {
   // Replaces the text. The arena must be the same in every call, and outlive this.
   void assign(std::string_view text, TextArena& arena) {
     if (text.size() <= longest_inside) {
-      std::memcpy(bytes_.data(), text.data(), text.size());
+      text.copy(bytes_.data(), text.size());
       size_ = static_cast<unsigned char>(text.size());
     } else {
       assign_long(text, arena);
