@@ -17,7 +17,7 @@ std::optional<AtomKey> parse_atom_key(std::string_view key) {
   }
   const char* const digits = key.data() + prefix.size();
   const char* const end = key.data() + key.size();
-  if (digits == end || *digits < '1' || *digits > '9') {
+  if (digits != end && *digits == '0') {
     return std::nullopt;
   }
   std::uint64_t atom = 0;

@@ -15,25 +15,21 @@ constexpr bool is_sign(char c) {
   return c == '+' || c == '-';
 }
 
-// How many bytes at the front of the text a stream would gather for one number. They need not make
-// a number.
+// How many bytes at the front of the text a stream would gather for one number, if they make one.
 std::size_t number_length(std::string_view text) {
-  bool has_digit = false;
   bool has_point = false;
   bool has_exponent = false;
   std::size_t i = !text.empty() && is_sign(text[0]) ? 1 : 0;
   for (; i < text.size(); ++i) {
     const char c = text[i];
-    if (is_digit(c)) {
-      has_digit = true;
-    } else if (c == '.' && !has_point && !has_exponent) {
+    if (c == '.' && !has_point && !has_exponent) {
       has_point = true;
-    } else if ((c == 'e' || c == 'E') && has_digit && !has_exponent) {
+    } else if ((c == 'e' || c == 'E') && !has_exponent) {
       has_exponent = true;
       if (i + 1 < text.size() && is_sign(text[i + 1])) {
         ++i;
       }
-    } else {
+    } else if (!is_digit(c)) {
       break;
     }
   }
