@@ -19,21 +19,19 @@ constexpr bool is_sign(char c) {
 std::size_t number_length(std::string_view text) {
   bool has_point = false;
   bool has_exponent = false;
-  std::size_t i = !text.empty() && is_sign(text[0]) ? 1 : 0;
-  for (; i < text.size(); ++i) {
+  bool may_be_sign = true;  // here the number or its exponent begins
+  for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
-    if (c == '.' && !has_point && !has_exponent) {
-      has_point = true;
-    } else if ((c == 'e' || c == 'E') && !has_exponent) {
-      has_exponent = true;
-      if (i + 1 < text.size() && is_sign(text[i + 1])) {
-        ++i;
-      }
-    } else if (!is_digit(c)) {
-      break;
+    const bool is_point = c == '.' && !has_point && !has_exponent;
+    const bool is_exponent = (c == 'e' || c == 'E') && !has_exponent;
+    if (!is_digit(c) && !is_point && !is_exponent && !(may_be_sign && is_sign(c))) {
+      return i;
     }
+    has_point = has_point || is_point;
+    has_exponent = has_exponent || is_exponent;
+    may_be_sign = is_exponent;
   }
-  return i;
+  return text.size();
 }
 
 }  // namespace
