@@ -17,9 +17,10 @@ How long the program takes, held against two things that were measured in the sa
   there are, and look for no others.
 
 All programs of a job run in turn, so that whatever else the machine does hits them alike; a slow
-one takes part in fewer rounds. Times are processor time (user and system) unless said otherwise:
-medians, and in brackets the quartiles. Ratios are medians of the ratios within each round. Files
-are read from the page cache.
+one takes part in fewer rounds. Each round begins with a run that does not count, since memory is
+slow for a while after a program that used much of it. Times are processor time (user and system)
+unless said otherwise: medians, and in brackets the quartiles. Ratios are medians of the ratios
+within each round. Files are read from the page cache.
 
 Repeat it with `script/bench` (a quarter of an hour, 3 GB of disk) or `script/bench --quick` (small
 sizes, prints only). It builds into `build/bench` and generates its data, always the same, into
