@@ -15,18 +15,21 @@ constexpr bool is_sign(char c) {
   return c == '+' || c == '-';
 }
 
-// How many bytes at the front of the text a stream would gather for one number, if they make one.
+// How many bytes at the front of the text a stream would gather for one number. They need not make
+// a number.
 std::size_t number_length(std::string_view text) {
+  bool has_digit = false;
   bool has_point = false;
   bool has_exponent = false;
   bool may_be_sign = true;  // here the number or its exponent begins
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
     const bool is_point = c == '.' && !has_point && !has_exponent;
-    const bool is_exponent = (c == 'e' || c == 'E') && !has_exponent;
+    const bool is_exponent = (c == 'e' || c == 'E') && has_digit && !has_exponent;
     if (!is_digit(c) && !is_point && !is_exponent && !(may_be_sign && is_sign(c))) {
       return i;
     }
+    has_digit = has_digit || is_digit(c);
     has_point = has_point || is_point;
     has_exponent = has_exponent || is_exponent;
     may_be_sign = is_exponent;

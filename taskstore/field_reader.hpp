@@ -16,7 +16,8 @@ class FieldReader {
 
   // A decimal number. It ends where the next byte cannot continue it, and what follows is left to
   // the next field: "1-2" is two numbers, "1D5" is 1 and then "D5". Nothing, as with a stream, for
-  // a number that breaks off ("1e"), for hexadecimal forms, inf and nan, and on overflow.
+  // a number that breaks off ("1e"), for hexadecimal forms, inf and nan, and on overflow; what a
+  // stream would have taken until then is gone.
   std::optional<double> read_number();
 
  private:

@@ -129,6 +129,32 @@ TEST_P(NoNumberField, IsNotRead) {
 INSTANTIATE_TEST_SUITE_P(Texts, NoNumberField, testing::ValuesIn(other_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
+// What a stream takes for a number before that fails
+
+struct LeftCase {
+  const char* name;
+  std::string text;
+  std::string next_word;
+};
+const std::vector<LeftCase> left_cases = {
+    {"WordStays", "abc", "abc"},
+    {"ExponentWithoutDigitsStays", "e5", "e5"},
+    {"ExponentWithoutDigitsBehindSign", "-e5", "e5"},
+    {"ExponentWithoutDigitsBehindPoint", ".e5", "e5"},
+    {"BrokenExponentGoes", "1ex", "x"},
+    {"SignGoes", "-x", "x"},
+    {"OneOfTwoSignsGoes", "--1", "-1"},
+};
+class FailedField : public testing::TestWithParam<LeftCase> {};
+
+TEST_P(FailedField, LeavesTheRest) {
+  FieldReader fields(GetParam().text);
+  EXPECT_EQ(fields.read_number(), std::nullopt);
+  EXPECT_EQ(fields.read_word(), GetParam().next_word);
+}
+INSTANTIATE_TEST_SUITE_P(Texts, FailedField, testing::ValuesIn(left_cases),
+                         [](const auto& one) { return std::string(one.param.name); });
+
 // Words
 
 struct WordCase {
