@@ -34,7 +34,7 @@ if(VQVEC_COVERAGE)
 endif()
 
 # What makes a fault in the program harder to exploit, and costs nothing that can be measured.
-if(VQVEC_HARDENED)
+if(VQVEC_HARDENED AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
   target_compile_options(vqvec_flags INTERFACE
     -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
   target_link_options(vqvec_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
