@@ -8,9 +8,9 @@ void ValueText::assign_long(std::string_view text, TextArena& arena) {
   // A file that was appended to a hundred times shall cost a few times its last run: a text takes
   // the place of the one that it replaces where it fits.
   const bool has_room = size_ == is_in_arena && text.size() <= place_in_arena().size;
-  Place place = has_room ? place_in_arena() : Place{arena.allocate(text.size()), 0};
-  place.size = text.size();
-  text.copy(place.text, text.size());
+  char* const first = has_room ? place_in_arena().text : arena.allocate(text.size());
+  text.copy(first, text.size());
+  const Place place{first, text.size()};
   std::memcpy(bytes_.data(), &place, sizeof place);
   size_ = is_in_arena;
 }
