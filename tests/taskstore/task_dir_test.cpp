@@ -45,6 +45,7 @@ const std::vector<PlaceCase> place_cases = {
     {"SiblingWinsOverChild", {"job/scrf", "job/here/scrf"}, "scrf", "job/scrf", "job/scrf"},
     {"NowhereIsASibling", {}, "scrf", "job/scrf", std::nullopt},
     {"ParentsChildIsNoCandidate", {"scrf"}, "scrf", "job/scrf", std::nullopt},
+    {"RootsChildIsNoCandidate", {}, "usr", "job/usr", std::nullopt},
     {"GrandchildIsNoCandidate", {"job/here/sub/scrf"}, "scrf", "job/scrf", std::nullopt},
     {"Dot", {}, ".", "job/here", "job/here"},
     {"EmptyText", {}, "", "job/here", "job/here"},
