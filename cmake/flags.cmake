@@ -7,7 +7,7 @@ option(VQVEC_STATIC "Link the program fully static where the C library allows it
 option(VQVEC_HARDENED "Fortified library calls, stack protector, read-only relocations" OFF)
 set(VQVEC_SANITIZERS "" CACHE STRING "Value for -fsanitize=, for the library, the program and tests")
 option(VQVEC_COVERAGE "Instrument for source-based coverage (clang)" OFF)
-option(VQVEC_LIBFUZZER "Build the fuzzers of fuzz/ (clang)" OFF)
+option(VQVEC_LIBFUZZER "Build the fuzzers of tests/fuzz/ (clang)" OFF)
 
 add_library(vqvec_flags INTERFACE)
 target_compile_features(vqvec_flags INTERFACE cxx_std_20)

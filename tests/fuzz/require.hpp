@@ -1,6 +1,6 @@
 // How a fuzz target says that program and reference disagree.
-#ifndef VQVEC_FUZZ_REQUIRE_HPP
-#define VQVEC_FUZZ_REQUIRE_HPP
+#ifndef VQVEC_TESTS_FUZZ_REQUIRE_HPP
+#define VQVEC_TESTS_FUZZ_REQUIRE_HPP
 
 #include <bit>
 #include <cstdint>
@@ -46,4 +46,4 @@ std::string outcome_of(Call call) {
 
 }  // namespace vqvec
 
-#endif  // VQVEC_FUZZ_REQUIRE_HPP
+#endif  // VQVEC_TESTS_FUZZ_REQUIRE_HPP

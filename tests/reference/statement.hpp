@@ -1,13 +1,13 @@
 // The statement parser's rules once more, for the fuzzers to hold the program against.
-#ifndef VQVEC_FUZZ_REFERENCE_STATEMENT_HPP
-#define VQVEC_FUZZ_REFERENCE_STATEMENT_HPP
+#ifndef VQVEC_TESTS_REFERENCE_STATEMENT_HPP
+#define VQVEC_TESTS_REFERENCE_STATEMENT_HPP
 
 #include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "fuzz/reference/lexing.hpp"
+#include "tests/reference/lexing.hpp"
 
 namespace vqvec::reference {
 
@@ -161,4 +161,4 @@ inline Statement parse_statement(const std::string& text) {
 
 }  // namespace vqvec::reference
 
-#endif  // VQVEC_FUZZ_REFERENCE_STATEMENT_HPP
+#endif  // VQVEC_TESTS_REFERENCE_STATEMENT_HPP

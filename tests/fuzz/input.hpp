@@ -1,6 +1,6 @@
 // The bytes that a fuzz target is given, as texts of the kinds that the program reads.
-#ifndef VQVEC_FUZZ_INPUT_HPP
-#define VQVEC_FUZZ_INPUT_HPP
+#ifndef VQVEC_TESTS_FUZZ_INPUT_HPP
+#define VQVEC_TESTS_FUZZ_INPUT_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -41,4 +41,4 @@ inline std::string file_content_of(const std::uint8_t* data, std::size_t size) {
 
 }  // namespace vqvec
 
-#endif  // VQVEC_FUZZ_INPUT_HPP
+#endif  // VQVEC_TESTS_FUZZ_INPUT_HPP

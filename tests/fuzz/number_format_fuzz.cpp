@@ -7,8 +7,8 @@
 #include <string>
 
 #include "dsl/number.hpp"
-#include "fuzz/input.hpp"
-#include "fuzz/require.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/fuzz/require.hpp"
 #include "output/number_format.hpp"
 
 namespace vqvec {

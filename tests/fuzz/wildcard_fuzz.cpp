@@ -3,9 +3,9 @@
 #include <string>
 
 #include "eval/task_glob.hpp"
-#include "fuzz/input.hpp"
-#include "fuzz/reference/lexing.hpp"
-#include "fuzz/require.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/reference/lexing.hpp"
+#include "tests/fuzz/require.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text = vqvec::text_of(data, size);

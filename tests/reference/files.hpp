@@ -1,7 +1,7 @@
 // Key-value files, geometry files and numbers by the plain means of the standard library: what the
 // fuzzers hold the program's own readers against.
-#ifndef VQVEC_FUZZ_REFERENCE_FILES_HPP
-#define VQVEC_FUZZ_REFERENCE_FILES_HPP
+#ifndef VQVEC_TESTS_REFERENCE_FILES_HPP
+#define VQVEC_TESTS_REFERENCE_FILES_HPP
 
 #include <cfloat>
 #include <cmath>
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/reference/lexing.hpp"
+#include "tests/reference/lexing.hpp"
 
 namespace vqvec::reference {
 
@@ -129,4 +129,4 @@ inline std::vector<Atom> read_xyz_text(const std::string& bytes) {
 
 }  // namespace vqvec::reference
 
-#endif  // VQVEC_FUZZ_REFERENCE_FILES_HPP
+#endif  // VQVEC_TESTS_REFERENCE_FILES_HPP

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/input.hpp"
-#include "fuzz/reference/files.hpp"
-#include "fuzz/require.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/reference/files.hpp"
+#include "tests/fuzz/require.hpp"
 #include "taskstore/geometry_file.hpp"
 #include "tests/support/scratch_dir.hpp"
 

@@ -10,9 +10,9 @@
 #include "dsl/lexical.hpp"
 #include "dsl/option_words.hpp"
 #include "dsl/reference.hpp"
-#include "fuzz/input.hpp"
-#include "fuzz/reference/lexing.hpp"
-#include "fuzz/require.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/reference/lexing.hpp"
+#include "tests/fuzz/require.hpp"
 
 namespace vqvec {
 namespace {

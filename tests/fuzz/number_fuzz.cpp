@@ -9,9 +9,9 @@
 #include <string>
 
 #include "dsl/number.hpp"
-#include "fuzz/input.hpp"
-#include "fuzz/reference/files.hpp"
-#include "fuzz/require.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/reference/files.hpp"
+#include "tests/fuzz/require.hpp"
 #include "taskstore/field_reader.hpp"
 
 namespace vqvec {

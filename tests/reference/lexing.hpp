@@ -1,8 +1,8 @@
 // The rules of statement text once more, step by step and without any thought of speed: what the
 // fuzzers hold the program's own code against. Nothing of that code is used here, and no two of
 // these functions share a scanner, so that one mistake cannot hide in both.
-#ifndef VQVEC_FUZZ_REFERENCE_LEXING_HPP
-#define VQVEC_FUZZ_REFERENCE_LEXING_HPP
+#ifndef VQVEC_TESTS_REFERENCE_LEXING_HPP
+#define VQVEC_TESTS_REFERENCE_LEXING_HPP
 
 #include <cctype>
 #include <cstddef>
@@ -293,4 +293,4 @@ inline bool wildcard_match(const std::string& pattern, std::size_t p, const std:
 
 }  // namespace vqvec::reference
 
-#endif  // VQVEC_FUZZ_REFERENCE_LEXING_HPP
+#endif  // VQVEC_TESTS_REFERENCE_LEXING_HPP

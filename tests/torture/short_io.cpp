@@ -48,7 +48,7 @@ constexpr unsigned long long call_write = 64;
 constexpr unsigned long long call_readv = 65;
 constexpr unsigned long long call_writev = 66;
 #else
-#error "torture/short_io.cpp knows the registers of x86-64 and AArch64 only"
+#error "short_io.cpp knows the registers of x86-64 and AArch64 only"
 #endif
 
 // The system calls of another process, one stop at a time.

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string>
 
-#include "fuzz/input.hpp"
-#include "fuzz/reference/files.hpp"
-#include "fuzz/require.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/reference/files.hpp"
+#include "tests/fuzz/require.hpp"
 #include "taskstore/kv_file.hpp"
 #include "tests/support/scratch_dir.hpp"
 

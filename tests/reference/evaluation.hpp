@@ -1,7 +1,7 @@
 // Evaluation once more, by plain recursion over copies of the text: every rule in the place and
 // order in which it is stated, nothing shared, nothing remembered. Only for small inputs.
-#ifndef VQVEC_FUZZ_REFERENCE_EVALUATION_HPP
-#define VQVEC_FUZZ_REFERENCE_EVALUATION_HPP
+#ifndef VQVEC_TESTS_REFERENCE_EVALUATION_HPP
+#define VQVEC_TESTS_REFERENCE_EVALUATION_HPP
 
 #include <algorithm>
 #include <cmath>
@@ -19,8 +19,8 @@
 #include <utility>
 #include <vector>
 
-#include "fuzz/reference/files.hpp"
-#include "fuzz/reference/lexing.hpp"
+#include "tests/reference/files.hpp"
+#include "tests/reference/lexing.hpp"
 
 namespace vqvec::reference {
 
@@ -477,4 +477,4 @@ class Evaluation {
 
 }  // namespace vqvec::reference
 
-#endif  // VQVEC_FUZZ_REFERENCE_EVALUATION_HPP
+#endif  // VQVEC_TESTS_REFERENCE_EVALUATION_HPP
