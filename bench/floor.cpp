@@ -1,11 +1,11 @@
-// The floor under the benchmarks: for each job only the work that no program can avoid, so that the
-// product's time can be held against something.
+// The floor of the benchmarks: for each job, it does only the work that no program can avoid, so
+// that the product's time can be compared with it.
 //
 //   floor small|big|interleaved|many|history     (in the `work` directory of the generated data)
 //
-// It makes the same system calls, passes over the bytes once, converts the numbers that are used
-// and those that are written, and writes the same bytes. It has no statement, no map, no checks and
-// no error handling, and knows what the generated files look like.
+// It makes the same system calls, reads each byte once, converts only the numbers that are used or
+// written, and writes the same bytes. It has no statement, no map, no checks and no error handling,
+// and knows what the generated files look like.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -40,7 +40,7 @@ void for_each_line(const std::string& path, Use use) {
   }
   const int file = open(path.c_str(), O_RDONLY);
   static char buffer[2 * piece_size];
-  std::size_t rest = 0;  // of a line whose end the last piece did not hold
+  std::size_t rest = 0;  // bytes of an incomplete line at the end of the last piece
   for (;;) {
     const ssize_t size = read(file, buffer + rest, piece_size);
     if (size <= 0) {
@@ -58,7 +58,7 @@ void for_each_line(const std::string& path, Use use) {
   close(file);
 }
 
-// The line of every key of a task, as key and value.
+// Every line of a task's key-value files, as key and value.
 template <class Use>
 void for_each_pair(const std::string& task, Use use) {
   for (const char* const name : {"/.vorq.result.kv", "/.vorq.values.kv", "/.vorq.dbcollect.user.kv",
@@ -114,8 +114,8 @@ void for_each_atom(const std::string& task, Use use) {
       --headers;
       return;
     }
-    const char* const blank = find(line, ' ');
-    use(std::string_view(line.data(), blank), std::string_view(blank, line.end()));
+    const char* const space = find(line, ' ');
+    use(std::string_view(line.data(), space), std::string_view(space, line.end()));
   });
 }
 
@@ -326,7 +326,7 @@ void weighted_mean_of_all() {
   report(sums.size(), "charge.mean", "");
 }
 
-// scale(a:charge.resp, 0.5), where the last value of each atom counts
+// scale(a:charge.resp, 0.5), where the last value of each atom wins
 void half_of_latest() {
   constexpr std::size_t longest_value = 23;
   struct Value {
@@ -348,7 +348,7 @@ void half_of_latest() {
       value.size = static_cast<unsigned char>(text.size());
     }
   });
-  find_geometry("../a");  // there is none, but only the listing tells
+  find_geometry("../a");  // there is none, but only listing the directory can show it
 
   std::vector<double> values;
   for (const Value& value : latest) {

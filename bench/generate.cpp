@@ -1,10 +1,10 @@
-// Makes the task directories of the benchmarks, always the same ones:
+// Generates the task directories of the benchmarks, always the same ones:
 //
 //   generate pair DIRECTORY ATOMS PROPERTIES   tasks a and b; 1 property, or 3 interleaved
 //   generate many DIRECTORY ATOMS TASKS        tasks run000001, run000002, ...
-//   generate history DIRECTORY ATOMS RUNS      task a, whose values file was appended to so often
+//   generate history DIRECTORY ATOMS RUNS      task a, with the values of RUNS runs in one file
 //
-// and beside them an empty directory to run in, `work`.
+// and an empty directory to run in, `work`.
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -52,7 +52,7 @@ void append_decimal(std::string& text, std::uint64_t digits, std::size_t decimal
   text.append(negative ? "-" : "").append(number);
 }
 
-// Between 0.1 and 1, of 15 significant digits.
+// Between 0.1 and 1, with 15 significant digits.
 void append_value(std::string& text, Random& random, bool may_be_negative) {
   constexpr std::uint64_t least = 100'000'000'000'000;
   const std::uint64_t digits = least + random.below(9 * least);
@@ -83,7 +83,7 @@ std::string result_text(std::size_t atoms, std::size_t properties, Random& rando
   return text;
 }
 
-// The symbols depend on the number of atoms only: all tasks of a benchmark describe the same atoms.
+// The symbols depend only on the number of atoms: all tasks of a benchmark describe the same atoms.
 std::string geometry_text(std::size_t atoms, Random& random) {
   constexpr std::array<std::string_view, 8> symbols = {"H", "C", "N", "O", "H", "C", "S", "Cl"};
   constexpr std::uint64_t box = 100'0000000000;  // in units of the tenth decimal

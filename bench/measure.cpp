@@ -1,14 +1,14 @@
-// Runs jobs alternately and says what each run took:
+// Runs jobs in turn and reports the time and memory of each run:
 //
 //   measure ROUNDS OUTPUT... < JOBS
 //
-// JOBS has one job a line: a name, the file for its standard output and its command, separated by
+// JOBS has one job per line: a name, the file for its standard output and its command, separated by
 // tabs. Each round runs every job once, in that order; the OUTPUTs are removed before each run.
-// Prints one line a run: name, microseconds of processor (user + system) and of wall time, and peak
-// memory in KiB.
+// Prints one line per run: name, microseconds of processor time (user + system) and of wall time,
+// and peak memory in KiB.
 //
-// This program is small so that its own size, which a child shares until it becomes the job, does
-// not show up as the peak memory of the job.
+// This program is kept small: a child shares its size until it becomes the job, and that size must
+// not appear as the peak memory of the job.
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/resource.h>

@@ -1,4 +1,4 @@
-"""The numbers of a benchmark run as tables and as a chart."""
+"""Presents the numbers of a benchmark run as tables and a chart."""
 
 import math
 import statistics
@@ -6,25 +6,26 @@ import statistics
 INTRODUCTION = """\
 # Performance
 
-How long the program takes, held against two things that were measured in the same run:
+Time and memory of the program, compared with two kinds of program measured in the same run:
 
-- a **floor** (`bench/floor.cpp`): for each job a program that does only what no program can avoid.
-  It makes the same system calls, passes over the bytes once, converts the numbers that are used and
-  those that are written, and writes the same bytes. It has no statement, no map, no checks. For the
-  job `small`, which is all start-up, the floor is `/bin/true`.
-- the **peers** that a user would reach for (`bench/peers/`): a Python script with NumPy, an awk
-  program, Miller. They do the same job and give the same numbers; they know beforehand which files
-  there are, and look for no others.
+- The **floor** (`bench/floor.cpp`) does, for each job, only the work that no program can avoid. It
+  makes the same system calls, reads each byte once, converts only the numbers that are used or
+  written, and writes the same bytes. It has no statement, no map and no checks. For the job
+  `small`, which is nothing but start-up, the floor is `/bin/true`.
+- The **peers** (`bench/peers/`) are what a user might write instead: a Python script with NumPy, an
+  awk program and a Miller program. They do the same job and give the same numbers, but know in
+  advance which files exist, and look for no others.
 
-All programs of a job run in turn, so that whatever else the machine does hits them alike; a slow
-one takes part in fewer rounds. Each round begins with a run that does not count, since memory is
-slow for a while after a program that used much of it. Times are processor time (user and system)
-unless said otherwise: medians, and in brackets the quartiles. Ratios are medians of the ratios
+The programs of a job run in turn, so that other load on the machine affects them equally; a slow
+program runs in fewer rounds. Each round begins with a run that is discarded, since memory is slow
+for a while after a program that used much of it. Times are processor time (user and system) unless
+stated otherwise, given as medians with quartiles in brackets. Ratios are medians of the ratios
 within each round. Files are read from the page cache.
 
-Repeat it with `script/bench` (a quarter of an hour, 3 GB of disk) or `script/bench --quick` (small
-sizes, prints only). It builds into `build/bench` and generates its data, always the same, into
-`build/bench-data`. Its measurements replace this file and the chart.
+To repeat the measurement, run `script/bench` (a quarter of an hour, 3 GB of disk), or
+`script/bench --quick` (smaller data; prints the results only). It builds in `build/bench` and
+generates its data, always the same, in `build/bench-data`. A full run replaces this file and the
+chart.
 """
 
 BASELINE = {"small": "true"}
@@ -50,7 +51,7 @@ class Result:
         return low, high
 
     def ratio(self, program, other, what):
-        """Of `program` to `other`, in the rounds that have both."""
+        """Of `program` to `other`, over the rounds that have both."""
         pairs = zip(self.runs[program], self.runs[other])
         return statistics.median(one[what] / two[what] for one, two in pairs)
 
@@ -77,7 +78,7 @@ def table(head, rows):
 
 def programs_table(results):
     head = ["job", "program", "rounds", "time, ms", "wall, ms", "memory, MiB",
-            "time to the floor", "memory to the floor", "vqvec is faster by"]  # fmt: skip
+            "time / floor", "memory / floor", "time / vqvec"]  # fmt: skip
     rows = []
     for result in results:
         for program in result.runs:
@@ -101,25 +102,25 @@ def programs_table(results):
 def aims_table(results):
     rows = []
 
-    def add(result, what, aim, value, reached):
-        rows.append([result.workload.name, what, aim, f"{value:.2f}", "yes" if reached else "no"])
+    def add(result, quantity, aim, value, met):
+        rows.append([result.workload.name, quantity, aim, f"{value:.2f}", "yes" if met else "no"])
 
     for result in results:
         work = result.workload
-        base = "/bin/true" if result.baseline == "true" else "floor"
+        base = result.baseline
         time = result.ratio("vqvec", result.baseline, "cpu")
-        add(result, f"time, to {base}", f"{work.floor_aim:g} at most", time, time <= work.floor_aim)
+        add(result, f"time / {base}", f"{work.floor_aim:g} at most", time, time <= work.floor_aim)
         if work.memory_aim is not None:
             memory = result.ratio("vqvec", result.baseline, "memory")
             aim = f"{work.memory_aim:g} at most"
-            add(result, f"memory, to {base}", aim, memory, memory <= work.memory_aim)
+            add(result, f"memory / {base}", aim, memory, memory <= work.memory_aim)
         for peer in [p for p in ("NumPy", "awk", "Miller") if p in result.runs]:
             if work.name == "small" and peer != "awk":
                 continue
             faster = result.ratio(peer, "vqvec", "cpu")
             aim = f"{work.peer_aim:g} at least"
-            add(result, f"faster than {peer}", aim, faster, faster >= work.peer_aim)
-    return table(["job", "what", "aim", "measured", "reached"], rows)
+            add(result, f"times faster than {peer}", aim, faster, faster >= work.peer_aim)
+    return table(["job", "quantity", "aim", "measured", "met"], rows)
 
 
 def growth_tables(growths):
@@ -133,7 +134,7 @@ def growth_tables(growths):
             [f"{point[0]:,}", milliseconds(time), f"{each:.3g}", f"{each / middle:.2f}"]
             for point, time, each in zip(growth.points, times, per_unit)
         ]
-        text += table([growth.name, "time, ms", unit, "to the middle"], rows) + "\n"
+        text += table([growth.name, "time, ms", unit, "relative to the middle row"], rows) + "\n"
     return text
 
 
@@ -147,11 +148,12 @@ def document(results, growths, machine, missing):
     text += "\n## The jobs\n\n" + jobs_list(results)
     text += "\n## Measured\n\n" + programs_table(results)
     text += "\n## Aims\n\n" + aims_table(results)
-    text += "\n## Growth\n\nOf the program alone: linear, if the last column does not grow.\n\n"
+    text += "\n## Growth\n\n"
+    text += "Growth of the program alone is linear if the last column does not increase.\n\n"
     text += growth_tables(growths)
     text += "## The machine\n\n" + "".join(f"- {line}\n" for line in machine)
     if missing:
-        text += "\nNot there when this was measured: " + ", ".join(missing) + ".\n"
+        text += "\nNot installed for this measurement: " + ", ".join(missing) + ".\n"
     return text
 
 
@@ -194,7 +196,7 @@ def chart(results):
         'font-family="sans-serif" font-size="12">',
         '<rect width="100%" height="100%" fill="white"/>',
         '<text x="12" y="20" font-size="14">Processor time relative to the floor '
-        "(logarithmic; less is better)</text>",
+        "(logarithmic; lower is better)</text>",
         *axis,
         *body,
         "</svg>\n",

@@ -1,4 +1,4 @@
-"""What is measured: the jobs, the data that each needs, and the programs that do it."""
+"""The measured jobs, the data that each needs, and the programs that do them."""
 
 import dataclasses
 import pathlib
@@ -18,7 +18,7 @@ OUTPUTS = (VALUES, EXTXYZ, STDOUT)
 
 @dataclasses.dataclass(frozen=True)
 class Data:
-    """Arguments of bench/generate.cpp, which says what they mean."""
+    """Arguments of bench/generate.cpp, which explains them."""
 
     kind: str
     atoms: int
@@ -36,9 +36,9 @@ class Workload:
     data: Data
     statement: str
     rounds: int
-    floor_aim: float  # at most so many times the processor time of the floor
-    peer_aim: float  # at least so many times faster than each peer
-    memory_aim: float = None  # at most so many times the peak memory of the floor
+    floor_aim: float  # at most this many times the processor time of the floor
+    peer_aim: float  # at least this many times faster than each peer
+    memory_aim: float = None  # at most this many times the peak memory of the floor
 
 
 @dataclasses.dataclass(frozen=True)
@@ -61,11 +61,12 @@ def workloads(size, quick_rounds):
                  Data("pair", 3, 1), f"{MEAN} --sum @a.charge --out {EXTXYZ}", 500, 1.3, 1),
         Workload("big", f"2 tasks of {atoms:,} atoms, with an extended-XYZ file",
                  Data("pair", atoms, 1), f"{MEAN} --out {EXTXYZ}", rounds, 1.25, 5, 1.3),
-        Workload("interleaved", "the same, where the files hold three properties of each atom",
+        Workload("interleaved", "as `big`, but the files contain three properties of each atom",
                  Data("pair", atoms, 3), f"{MEAN} --out {EXTXYZ}", rounds, 1.5, 5, 1.3),
-        Workload("many", f"weighted mean of {tasks:,} tasks of 50 atoms",
+        Workload("many", f"weighted mean over {tasks:,} tasks of 50 atoms",
                  Data("many", 50, tasks), WMEAN, rounds, 1.3, 4),
-        Workload("history", f"a values file of {history[0]:,} atoms, appended to {history[1]} times",
+        Workload("history",
+                 f"a values file with the results of {history[1]} runs on {history[0]:,} atoms",
                  Data("history", *history), "charge.half = scale(a:charge.resp, 0.5)",
                  rounds, 1.5, 4),
     ]  # fmt: skip
@@ -80,7 +81,7 @@ def floor(executable, workload):
 
 
 class Peers:
-    """Those that this machine has; the others are named in `missing`."""
+    """The peers on this machine; `missing` names the others."""
 
     def __init__(self):
         self.missing = []
@@ -125,7 +126,7 @@ def inputs(workload):
 
 
 def with_globs(words):
-    """Through a shell where the shell has to expand words: it then becomes the program."""
+    """The words, run through a shell if it must expand some; the shell then becomes the program."""
     if not any("*" in word for word in words):
         return tuple(words)
     return ("sh", "-c", "exec " + " ".join(w if "*" in w else f"'{w}'" for w in words))
@@ -140,7 +141,7 @@ def find_numpy():
 
 
 def peer_versions(peers):
-    """One text for each peer that is there."""
+    """One text for each installed peer."""
     commands = {
         "NumPy": [peers.python, "-c", "import numpy; print(numpy.__version__)"],
         "awk": ["mawk", "-W", "version"],
@@ -158,15 +159,15 @@ def peer_versions(peers):
 
 @dataclasses.dataclass(frozen=True)
 class Growth:
-    """One quantity that grows while everything else stays."""
+    """One quantity that grows while everything else stays the same."""
 
     name: str
     unit: str
-    points: tuple  # of (how many, data, statement), growing
+    points: tuple  # of (size, data, statement), in increasing order of size
 
 
 def growths(size):
-    top = {"full": 0, "quick": 1}[size]  # so many powers of ten less
+    top = {"full": 0, "quick": 1}[size]  # how many powers of ten to leave out
 
     def sizes(first, last):
         return [10**power for power in range(first, last - top + 1)]

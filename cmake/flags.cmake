@@ -1,9 +1,9 @@
-# Flags stand on interface targets, so that each target takes what it needs and nothing leaks.
+# Flags are set on interface targets, so that each target takes what it needs and nothing leaks.
 include(CheckCXXSourceCompiles)
 include(CMakePushCheckState)
 
 option(VQVEC_WERROR "Warnings are errors" OFF)
-option(VQVEC_STATIC "Link the program fully static where the C library allows it" OFF)
+option(VQVEC_STATIC "Link the program statically where the C library allows it" OFF)
 option(VQVEC_HARDENED "Fortified library calls, stack protector, read-only relocations" OFF)
 set(VQVEC_SANITIZERS "" CACHE STRING "Value for -fsanitize=, for the library, the program and tests")
 option(VQVEC_COVERAGE "Instrument for source-based coverage (clang)" OFF)
@@ -13,7 +13,7 @@ add_library(vqvec_flags INTERFACE)
 target_compile_features(vqvec_flags INTERFACE cxx_std_20)
 target_compile_options(vqvec_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-  # The same bytes on every machine: no fused multiply-add where the rules have two roundings.
+  # The same bytes on every machine: no fused multiply-add, which rounds once instead of twice.
   -ffp-contract=off
   $<$<BOOL:${VQVEC_WERROR}>:-Werror>)
 
@@ -33,15 +33,15 @@ if(VQVEC_COVERAGE)
   target_link_options(vqvec_flags INTERFACE -fprofile-instr-generate)
 endif()
 
-# What makes a fault in the program harder to exploit, and costs nothing that can be measured.
+# These make a fault in the program harder to exploit, at no measurable cost.
 if(VQVEC_HARDENED AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
   target_compile_options(vqvec_flags INTERFACE
     -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
   target_link_options(vqvec_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
 endif()
 
-# A static binary runs on any node of a cluster and starts in half the time. As a position
-# independent one it is loaded at a random address, and finds its exception tables at once.
+# A static program runs on any node of a cluster and starts in half the time. If it is also
+# position-independent, it is loaded at a random address, and finds its exception tables at once.
 add_library(vqvec_static INTERFACE)
 if(VQVEC_STATIC)
   foreach(kind static-pie static)

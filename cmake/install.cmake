@@ -1,4 +1,4 @@
-# What an installation consists of. The version is written into what shows it.
+# The installed files. The version is inserted into those that show it.
 include(GNUInstallDirs)
 
 foreach(page vqvec.1 vqvec-statement.7)

@@ -1,5 +1,5 @@
-# The packages that script/package makes: a static tarball and a .deb.
-string(TIMESTAMP VQVEC_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)  # of SOURCE_DATE_EPOCH
+# The packages that script/package builds: a static tarball and a .deb.
+string(TIMESTAMP VQVEC_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)  # from SOURCE_DATE_EPOCH
 configure_file(packaging/changelog.in packaging/changelog @ONLY)
 
 set(CPACK_VQVEC_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
@@ -16,10 +16,10 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The vqvec authors <maintainers@vqvec.example>")
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Calculations of computational chemistry leave values per atom, such as
-partial charges, in one directory each. vqvec evaluates one statement over
-them: means, Boltzmann averages, differences, totals, with a check that all
-are about the same atoms. The result goes to a key-value file, and with the
-positions of the atoms to files that viewers read.")
+"Calculations in computational chemistry leave per-atom values, such as
+partial charges, each in a directory of its own. vqvec evaluates one statement
+over them: means, Boltzmann averages, differences and totals, with a check
+that all tasks describe the same atoms. It writes the result to a key-value
+file and, with the positions of the atoms, to files for molecular viewers.")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "openbabel, python3-ase, xtb")
 include(CPack)

@@ -1,6 +1,7 @@
-# Run by CPack on the finished packages. It has put the files into them in the order of the directory
-# on the disk; here they are put in order by name, so that every build gives the same bytes.
-# In KiB, one for each directory. What the disk takes for a directory would depend on the disk.
+# CPack runs this on the finished packages. Their files are in the order of the directory on disk;
+# this sorts them by name, so that every build gives the same bytes.
+
+# In KiB, with one KiB for each directory, since its real size depends on the disk.
 function(set_installed_size files)
   file(GLOB_RECURSE entries LIST_DIRECTORIES true ${files}/usr/*)
   set(size 0)

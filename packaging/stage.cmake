@@ -1,5 +1,5 @@
-# Run by CPack on the files of a package before it is put together: what the package must have and an
-# installation from source must not, and the same bytes in every build.
+# CPack runs this on the files of a package before it builds the package. It adds what a package
+# needs and an installation from source does not, and makes every build give the same bytes.
 set(root ${CPACK_TEMPORARY_INSTALL_DIRECTORY})
 
 function(run)
@@ -10,7 +10,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   set(share ${root}/usr/share)
   set(doc ${share}/doc/vqvec)
   file(COPY_FILE ${CPACK_VQVEC_PACKAGING}/copyright ${doc}/copyright)
-  file(REMOVE ${doc}/LICENSE)  # the copyright file has it
+  file(REMOVE ${doc}/LICENSE)  # the copyright file contains it
   file(COPY_FILE ${CPACK_VQVEC_CHANGELOG} ${doc}/changelog)
   file(MAKE_DIRECTORY ${share}/lintian/overrides ${share}/zsh)
   file(COPY_FILE ${CPACK_VQVEC_PACKAGING}/lintian-overrides ${share}/lintian/overrides/vqvec)

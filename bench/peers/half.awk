@@ -1,4 +1,4 @@
-# Half of the latest charges in a file that was appended to:
+# Half the latest value of each charge, from a file that runs have appended to:
 #
 #   mawk -F= -f half.awk VALUES.kv
 $1 ~ /^atoms\.[0-9]+\.charge\.resp$/ {

@@ -22,7 +22,7 @@ def scalar(text, key):
 
 
 def charges(text):
-    """By atom; of several values of an atom the last one counts."""
+    """The values by atom; if an atom has several, the last one wins."""
     numbers, values = zip(*CHARGE.findall(text))
     atoms = np.array(numbers, dtype=int)
     column = np.empty(atoms.max())

@@ -1,4 +1,4 @@
-# Completion of vqvec for bash: options, and files where an option takes one.
+# bash completion for vqvec: options, and files for the options that take one.
 # shellcheck shell=bash
 
 _vqvec() {
@@ -10,7 +10,7 @@ _vqvec() {
   fi
   [[ ${COMP_WORDS[1]} == atom ]] || return
   case $before in
-    --dsl) ;; # a statement is not completed: a wrong guess in it does harm
+    --dsl) ;; # no completion inside a statement: a wrong guess would do harm
     --values-out | --record-kv | --snapshot-kv)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$word")

@@ -1,5 +1,5 @@
-# Completion of vqvec for fish: options, and files where an option takes one.
-# A statement is not completed: a wrong guess in it does harm.
+# fish completion for vqvec: options, and files for the options that take one.
+# No completion inside a statement: a wrong guess would do harm.
 
 complete -c vqvec -f
 complete -c vqvec -n __fish_use_subcommand -a atom -d 'Evaluate a statement'
@@ -8,6 +8,6 @@ complete -c vqvec -n '__fish_seen_subcommand_from atom' -l dsl -x -d 'The statem
 complete -c vqvec -n '__fish_seen_subcommand_from atom' -l values-out -r -F \
   -d 'Append the values here'
 complete -c vqvec -n '__fish_seen_subcommand_from atom' -l record-kv -r -F \
-  -d 'Append the values also here'
+  -d 'Append the values here too'
 complete -c vqvec -n '__fish_seen_subcommand_from atom' -l snapshot-kv -r -F \
-  -d 'Write a record of the run here'
+  -d 'Write a note of the run here'
