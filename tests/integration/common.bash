@@ -1,4 +1,4 @@
-# What the tests of this directory share; to be sourced.
+# Shared by the tests of this directory, which source it.
 # shellcheck shell=bash
 set -euo pipefail
 unset VORQUIL_TASKNAME VORQUIL_INPUTNAME VORQUIL_STRUCID
@@ -6,7 +6,7 @@ unset VORQUIL_TASKNAME VORQUIL_INPUTNAME VORQUIL_STRUCID
 scratch=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$scratch"' EXIT
 
-# Skips the test, with a word, unless all these commands are there.
+# Skips the test, with a message, unless all these commands exist.
 require() { # COMMAND...
   local command
   for command; do

@@ -1,4 +1,4 @@
-"""What the tests in Python share."""
+"""Shared by the tests in Python."""
 import os
 import subprocess
 import sys
@@ -15,7 +15,7 @@ def skip(reason):
 
 
 class InScratch(unittest.TestCase):
-    """Runs each test in a directory of its own, which holds the task `water`."""
+    """Runs each test in its own directory, which contains the task `water`."""
 
     SYMBOLS = ["O", "H", "H"]
     POSITIONS = [
@@ -29,7 +29,7 @@ class InScratch(unittest.TestCase):
         scratch = tempfile.TemporaryDirectory()
         self.addCleanup(scratch.cleanup)
         self.addCleanup(os.chdir, os.getcwd())
-        os.mkdir(scratch.name + "/run")  # its siblings are searched, too
+        os.mkdir(scratch.name + "/run")  # its siblings are searched too
         os.chdir(scratch.name + "/run")
         self.make_task("water", self.CHARGES)
         lines = [f"{s} {x!r} {y!r} {z!r}" for s, (x, y, z) in zip(self.SYMBOLS, self.POSITIONS)]

@@ -1,4 +1,4 @@
-"""Every system call, every allocation and every transfer goes wrong once."""
+"""Makes every system call, allocation and transfer fail once."""
 
 import os
 import re
@@ -8,9 +8,9 @@ import tasks
 from trial import Point, judge, shown
 
 ERRORS = ("EIO", "ENOSPC", "EACCES", "EINTR", "ENOMEM")
-# Calls that hand out memory. brk tells a failure by an address and not by an error.
+# Calls that provide memory. brk reports a failure by an address, not by an error.
 MEMORY_CALLS = ("brk", "mmap", "munmap", "mremap")
-# Also futex, which wakes nobody here: the C library ends the process if that fails.
+# futex is here too: it wakes nobody, and the C library ends the process if it fails.
 NEVER_FAILING = ("exit_group", "exit", "rt_sigreturn", "futex")
 
 
@@ -27,7 +27,7 @@ class Call:
         return int(found.group(1)) if found else None
 
     def moved(self):
-        """How many bytes a transfer has moved."""
+        """How many bytes a transfer moved."""
         return int(self.result) if self.result.isdigit() else 0
 
 
@@ -44,7 +44,7 @@ def trace(workspace, statement, program="vqvec"):
             if not parts:
                 continue
             name, arguments, result = parts.groups()
-            # What comes first in main; before it the C library starts itself up.
+            # The first call in main; before it, the C library initialises itself.
             in_main = in_main or (name == "rt_sigaction" and arguments.startswith("SIGPIPE"))
             numbers[name] = numbers.get(name, 0) + 1
             calls.append(Call(name, numbers[name], arguments, result, in_main))
@@ -53,8 +53,8 @@ def trace(workspace, statement, program="vqvec"):
 
 
 class Hidden:
-    """For as long as it lasts: a file or directory of the tree under another name, or a file cut
-    at so many bytes behind its last whole line."""
+    """Within the `with` block, hides a file or directory of the tree under another name, or leaves
+    only the first whole lines of a file, `cut_at` bytes at most."""
 
     def __init__(self, path, cut_at=None):
         self.path = path
@@ -75,8 +75,8 @@ class Hidden:
 
 
 def _hideable(workspace, calls):
-    """What a failing call on an input can keep from the program: the paths of inputs and where in
-    them a read has ended."""
+    """What a failing call can hide from the program: the paths of inputs, and the places in them
+    where a read ended."""
     found = set()
     reading = {}
     for call in calls:
@@ -101,7 +101,7 @@ def _hideable(workspace, calls):
 
 
 def without_input(workspace, statement, calls):
-    """Outcomes of runs that miss one input or half of one: what readers never fail on."""
+    """Outcomes of runs without one input, or with part of one: readers never fail on these."""
     outcomes = []
     outputs = {workspace.path(output.path) for output in statement.outputs}
     for path, cut_at in _hideable(workspace, calls):
@@ -116,7 +116,7 @@ def without_input(workspace, statement, calls):
 
 
 def _sink(call):
-    """Which of the console's streams a failing call loses."""
+    """The console stream that is lost when the call fails."""
     if call.name in ("write", "writev") and call.descriptor() in (1, 2):
         return {"stdout_lost": call.descriptor() == 1, "stderr_lost": call.descriptor() == 2}
     return {}
@@ -148,7 +148,7 @@ def _permits_short_io(bench):
 
 def failing_calls(bench):
     if not _permits_strace(bench):
-        yield "strace is not there or not permitted"
+        yield "strace is missing or not permitted"
         return
     workspace = bench.workspaces[0]
     for statement in tasks.STATEMENTS:
@@ -163,9 +163,9 @@ def failing_calls(bench):
 
 
 def failing_memory_calls(bench):
-    """Only the full result will do: no memory is no reason for a result with data missing."""
+    """Accepts only the full result or a failure: a lack of memory must never lose data silently."""
     if not _permits_strace(bench):
-        yield "strace is not there or not permitted"
+        yield "strace is missing or not permitted"
         return
     workspace = bench.workspaces[0]
     for statement in tasks.STATEMENTS:
@@ -188,12 +188,12 @@ def failing_memory_calls(bench):
 
 
 def _cuts(moved):
-    """Places at which to cut a transfer of so many bytes."""
+    """Places at which to cut a transfer of this many bytes."""
     return sorted({0, 1, moved // 2, max(0, moved - 1), moved})
 
 
 def _transfers(calls, names):
-    """The transfers of a run, numbered as short_io numbers them."""
+    """The transfers of a run, numbered as in short_io."""
     return list(enumerate((call for call in calls if call.name in names), 1))
 
 
@@ -251,7 +251,7 @@ def failing_allocations(bench):
             with open(count_file, encoding="ascii") as file:
                 count = int(file.read())
         except FileNotFoundError:
-            yield "nothing can be preloaded"
+            yield "preloading does not work"
             return
         os.unlink(count_file)
         for repeated in ("0", "1"):

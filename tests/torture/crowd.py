@@ -1,4 +1,4 @@
-"""Many runs at once on one values file and one record file."""
+"""Many runs at the same time on one values file and one record file."""
 
 import os
 import subprocess
@@ -51,7 +51,7 @@ def _attempt(expression, runs_each):
 
 
 def _check(path, text, runs_each):
-    """Each writer's text as often as it ran, never torn by another's."""
+    """Checks that each writer's text occurs as often as it ran, never torn by another's."""
     with open(path, "rb") as file:
         content = file.read()
     lines = text.count(b"\n")

@@ -1,8 +1,8 @@
-// Preloaded under a dynamic build: lets one allocation of a run fail, or all from one on.
+// Preloaded into a dynamic build: makes one allocation of a run fail, or all from one on.
 //
 //   FAIL_AT=N      the N-th allocation fails (from 1; 0 or unset: none)
-//   FAIL_ON=1      and so do all after it
-//   COUNT_TO=FILE  writes the number of allocations there when the process ends
+//   FAIL_ON=1      so do all after it
+//   COUNT_TO=FILE  writes the number of allocations to FILE when the process ends
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -10,7 +10,7 @@
 
 extern "C" {
 
-// The C library's own, under the names by which it can always be reached.
+// The C library's own functions, under names that stay available.
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);

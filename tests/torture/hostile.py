@@ -1,5 +1,4 @@
-"""Trees that somebody has prepared, or that change while they are read. Each case says in its own
-words what has to come out."""
+"""Trees that are hostile, or that change while they are read. Each case checks its own outcome."""
 
 import os
 import shutil
@@ -19,7 +18,7 @@ MIB = 1024**2
 
 
 class Ground:
-    """A fresh pair of directories for one case; the program runs in `cwd`."""
+    """A new pair of directories for one case; the program runs in `cwd`."""
 
     def __init__(self, workspace):
         self.parent = os.path.join(workspace.root, "hostile")
@@ -49,7 +48,7 @@ class Ground:
 
 
 def fails_with(result, message):
-    """None when the run ended with this message, else what happened instead."""
+    """None if the run ended with this message, else what happened instead."""
     expected = (1, b"", ERROR_MARK + os.fsencode(message) + b"\n")
     return None if result == expected else f"expected {_cut(expected)}, got {_cut(result)}"
 
@@ -62,7 +61,7 @@ def fails_somehow(result):
 
 
 def writes(ground, result, content=VALUES_OF_Q, name=".vorq.values.kv"):
-    """None when the run succeeded and the file holds exactly this."""
+    """None if the run succeeded and the file has this content, else what happened instead."""
     if result[0] != 0 or result[2] != b"":
         return f"expected success, got {_cut(result)}"
     written = read(ground.path(name))
@@ -139,7 +138,7 @@ def output_through_link_loop(ground):
     return fails_with(ground.run("x = t:q", "--values-out", "loop.kv"), message)
 
 
-# No regular files
+# Special files and directories
 
 
 def _with_special_files(ground, make):
@@ -156,7 +155,7 @@ def fifos(ground):
 def sockets(ground):
     def bind(path):
         with socket.socket(socket.AF_UNIX) as listener:
-            # The address of a socket has to be short.
+            # The address of a socket must be short.
             directory = os.open(os.path.dirname(path), os.O_RDONLY)
             listener.bind(f"/proc/self/fd/{directory}/{os.path.basename(path)}")
             os.close(directory)
@@ -246,7 +245,7 @@ def long_working_directory(ground):
 
 
 def error_line_fault_of(status, stdout, stderr):
-    """For cases that may end well or badly: what is wrong with how they ended."""
+    """For cases that may succeed or fail: what is wrong with their end, or None."""
     if (status, stderr) == (0, b"") and stdout.startswith(b"atomvec wrote "):
         return None
     return fails_somehow((status, stdout, stderr))
@@ -291,7 +290,7 @@ def entries_vanishing(ground):
 
 
 def files_growing(ground):
-    """A values file that others append to while it is read is read up to some whole line."""
+    """A values file that grows while it is read is read up to the end of some line."""
     ground.task("t")
     ends = threading.Event()
 
@@ -307,7 +306,7 @@ def files_growing(ground):
     try:
         for _ in range(200):
             result = ground.run("x = t:q")
-            # A line may be seen half written: then its value is missing.
+            # A line may be read half written; its value is then missing.
             fault = writes(ground, result) if result[0] == 0 else fails_somehow(result)
             if fault:
                 return fault
@@ -341,7 +340,7 @@ LITTLE_MEMORY = ("prlimit", f"--as={512 * MIB}")
 
 
 def sparse_key_value_file(ground):
-    """A line that does not fit into memory is an error and not a line that is missing."""
+    """A line too long for memory is an error, not a missing line."""
     ground.task("t")
     _sparse(ground, "t/.vorq.values.kv", WATER_Q, 20 * GIB)
     return fails_with(ground.run("x = t:q", prefix=LITTLE_MEMORY), "std::bad_alloc")
@@ -355,7 +354,7 @@ def sparse_trajectory(ground):
 
 
 def sparse_comment_line(ground):
-    """Costs time but no memory; then there are no atoms, and the next file has to do."""
+    """Takes time but no memory. The file has no atoms, so the next one is used."""
     ground.task("t")
     _sparse(ground, "t/last_a.xyz", "3\n", 20 * GIB)
     return writes(ground, ground.run("x = t:q --out o.xyz", prefix=LITTLE_MEMORY))
@@ -365,7 +364,7 @@ def sparse_first_line(ground):
     ground.task("t")
     _sparse(ground, "t/last_a.xyz", "  \t", 2 * GIB)
     result = ground.run("x = t:q --out o.xyz", prefix=LITTLE_MEMORY)
-    # A word of 2 GB does not fit into memory; that may be an error.
+    # A word of 2 GB is too long for memory, which may be an error.
     return error_line_fault_of(*result)
 
 

@@ -1,4 +1,4 @@
-"""Limits on files, memory, stack and descriptors; streams that are closed or full."""
+"""Limits on files, memory, stack and descriptors; closed or full streams."""
 
 import itertools
 
@@ -7,7 +7,7 @@ from trial import Point, judge, run_command, shown
 
 
 def _starts(workspace, statement, option, value):
-    """Whether the limit lets the program get as far as main with arguments of this length."""
+    """Whether the program reaches main under this limit, with arguments of this length."""
     words = ("--help", *statement.words)
     command = ["prlimit", f"--{option}={value}", workspace.programs["vqvec"], *words]
     return run_command(command, workspace.cwd)[0] == 0
@@ -19,7 +19,7 @@ def _smallest_start(workspace, statement, option, values):
 
 def resource_limits(bench):
     if not bench.can_run("prlimit", "--nofile=64", "true"):
-        yield "prlimit is not there or not permitted"
+        yield "prlimit is missing or not permitted"
         return
     workspace = bench.workspaces[0]
     kib = 1024
@@ -27,12 +27,12 @@ def resource_limits(bench):
     for statement in tasks.STATEMENTS:
         reference = workspace.run(statement)
         memories = range(256 * kib, 64 * mib, 64 * kib)
-        stacks = range(64 * kib, 8 * mib, 16 * kib)  # below, paths of any length do not fit
+        stacks = range(64 * kib, 8 * mib, 16 * kib)  # with less, there is no room for long paths
         least_memory = _smallest_start(workspace, statement, "as", memories)
         least_stack = _smallest_start(workspace, statement, "stack", stacks)
         longest = max((len(content or b"") for content in reference.files.values()), default=0)
-        # What the program starts with is not enough to start under strace and the like, so each
-        # limit is set right before the program: prlimit becomes it.
+        # strace and the like need more to start than the program does. So prlimit sets each limit
+        # right before it becomes the program.
         points = [("fsize", value) for value in range(0, longest + 2, 1 + longest // 1500)]
         points += [("as", least_memory + i * 16 * kib) for i in range(96)]
         points += [("data", i * 16 * kib) for i in range(96)]
@@ -48,7 +48,7 @@ def resource_limits(bench):
 def _with_limit(statement, reference, option, value):
     def attempt(workspace):
         outcome = workspace.run(statement, ("prlimit", f"--{option}={value}"))
-        # Where things lie in memory differs from run to run, and so does what is needed to start.
+        # Memory is laid out differently in each run, so the need at start-up differs too.
         is_odd = outcome.status not in (0, 1)
         if is_odd and not _starts(workspace, statement, option, value):
             return None
@@ -69,7 +69,7 @@ def descriptors(bench):
             attempt = _with_streams(statement, reference, prefix, lost)
             yield Point(f"{statement.name}: {shown(prefix, 'vqvec', statement)}", attempt)
 
-        # A reader of standard output or error that has gone.
+        # The reader of standard output or error has exited.
         for script in ('"$0" "$@" | :', '"$0" "$@" 2>&1 >/dev/null | :'):
             prefix = ("bash", "-c", f"{{ {script}; }}; exit ${{PIPESTATUS[0]}}")
             lost = {"stdout_lost": True, "stderr_lost": True}

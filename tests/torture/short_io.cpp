@@ -1,10 +1,10 @@
-// Runs a program and cuts one of its transfers short: the N-th read or write (from 1, also readv
-// and writev) moves at most so many bytes, as it may on any system. With `kill` the program is
-// killed when that call returns.
+// Runs a program and cuts one of its transfers short: the N-th read or write (counted from 1,
+// including readv and writev) moves at most BYTES bytes, as it may on any system. With `kill`, the
+// program is killed when that call returns.
 //
 //   short_io read|write N BYTES go|kill PROGRAM [ARGUMENT...]
 //
-// Ends as the program ends; 125: this machine does not permit it.
+// Ends as the program ends, or with status 125 if this machine does not permit it.
 #include <elf.h>
 #include <signal.h>
 #include <sys/ptrace.h>
@@ -56,7 +56,7 @@ class Tracee {
  public:
   explicit Tracee(pid_t process) : process_(process) {}
 
-  // Runs to the next entry into or return from a system call. False: the process has ended.
+  // Runs to the next entry into a system call or return from one. False if the process has ended.
   bool run_to_call() {
     for (int signal = 0;;) {
       ptrace(PTRACE_SYSCALL, process_, 0L, static_cast<long>(signal));
@@ -66,7 +66,7 @@ class Tracee {
       if (WSTOPSIG(status_) == (SIGTRAP | 0x80)) {
         return true;
       }
-      signal = WSTOPSIG(status_) == SIGTRAP ? 0 : WSTOPSIG(status_);  // a trap: after its execve
+      signal = WSTOPSIG(status_) == SIGTRAP ? 0 : WSTOPSIG(status_);  // the trap follows its execve
     }
   }
 
@@ -98,7 +98,7 @@ class Tracee {
   void transfer(Call call, const Registers& all, std::vector<iovec>& pieces) const {
     const std::size_t bytes = pieces.size() * sizeof(iovec);
     const iovec here = {pieces.data(), bytes};
-    // NOLINTNEXTLINE: an address of the other process, which only the system uses
+    // NOLINTNEXTLINE: an address in the other process, which only the system uses
     const iovec there = {reinterpret_cast<void*>(all.address()), bytes};
     call(process_, &here, 1, &there, 1, 0);
   }
@@ -115,7 +115,7 @@ struct Cut {
   bool kills;
 };
 
-// Lets the call that the process has just entered move no more than `bytes`.
+// Limits the call that the process has just entered to `bytes` bytes.
 void perform_short(Tracee& tracee, const Cut& cut) {
   Registers all = tracee.registers();
   if (all.call() == cut.plain_call) {
@@ -137,7 +137,7 @@ void perform_short(Tracee& tracee, const Cut& cut) {
   }
 }
 
-// The process's wait status.
+// Returns the wait status of the process.
 int trace(pid_t process, const Cut& cut) {
   Tracee tracee(process);
   unsigned long number = 0;

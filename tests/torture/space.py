@@ -1,5 +1,5 @@
-"""Disks that are full, have no inodes left, or are read-only; files that may not be read or
-written."""
+"""Disks that are full, have no inodes left or are read-only; files without permission to read or
+write."""
 
 import contextlib
 import os
@@ -11,11 +11,11 @@ from calls import trace, without_input
 from trial import Output, Point, Statement, judge, run_command, shown
 
 NOBODY = 65534
-FULL = "full"  # the directory at which the small disk is mounted
+FULL = "full"  # the directory where the small disk is mounted
 
 
 def _atom_to_full_disk(name, expression):
-    """A statement whose outputs all go to the small disk."""
+    """A statement that writes all its outputs to the small disk."""
     words = (
         "atom",
         "--dsl",
@@ -52,7 +52,7 @@ def mounted(directory, *options):
 
 
 def _fill(directory, pages_left):
-    """Leaves so many free pages."""
+    """Fills the disk except for this many pages."""
     filler = os.path.join(directory, "filler")
     state = os.statvfs(directory)
     free = (state.f_bfree - pages_left) * state.f_bsize
@@ -62,7 +62,7 @@ def _fill(directory, pages_left):
 
 
 def _run_on_disk(workspace, statement, options, pages_left=None):
-    """The outcome on a disk made for this run."""
+    """The outcome of a run on a disk made for it."""
     directory = workspace.path(FULL)
     workspace.begin(statement)
     with mounted(directory, "-t", "tmpfs", "-o", options, "tmpfs"):
@@ -78,7 +78,7 @@ def _run_on_disk(workspace, statement, options, pages_left=None):
 
 
 def _with_old_values(statement, old):
-    """The statement with some text in its values file before the run."""
+    """The statement, with this text in its values file before the run."""
     values, *others = statement.outputs
     return replace(statement, outputs=(replace(values, old=old), *others))
 
@@ -107,8 +107,8 @@ def full_disk(bench):
         pages = sum(-(-len(content) // page) for content in undisturbed.files.values())
         for pages_left in range(pages + 2):
             yield point(statement, pages_left, [undisturbed])
-        # Full but for some bytes of the page that the values file has begun: every number of them
-        # up to the output's length, or for long outputs a spread of numbers.
+        # Only some bytes are free in the last page of the values file: any number up to the length
+        # of the output, or for long outputs a selection.
         step = 1 if length < page else 61
         for slack in range(0, min(length, page - 1) + 2, step):
             old = b"#" * (page - slack - 1) + b"\n"
@@ -163,7 +163,7 @@ def _with_read_only(statement, reference, place):
         subprocess.run(["mount", "--bind", path, path], check=True)
         try:
             subprocess.run(["mount", "-o", "remount,bind,ro", path], check=True)
-            # By its path: whoever is in a directory already does not see the mount upon it.
+            # By its path: a process already in the directory does not see the new mount.
             outcome = workspace.run(statement, reset=False)
         finally:
             subprocess.run(["umount", path], check=True)
@@ -173,7 +173,7 @@ def _with_read_only(statement, reference, place):
 
 
 class Mode:
-    """For as long as it lasts: another mode of a file or directory."""
+    """Within the `with` block, gives a file or directory another mode."""
 
     def __init__(self, path, mode):
         self.path = path
@@ -188,7 +188,7 @@ class Mode:
 
 
 def _give_to_nobody(workspace):
-    """The whole tree, so that an ordinary user's program works there."""
+    """Gives the whole tree to nobody, so that an ordinary user's program works there."""
     if os.geteuid() == 0:
         for directory, _, files in os.walk(workspace.root):
             os.chown(directory, NOBODY, NOBODY)
@@ -233,7 +233,7 @@ def _with_mode(statement, references, as_user, relative, mode):
         _give_to_nobody(workspace)
         path = os.path.normpath(os.path.join(workspace.cwd, "..", relative))
         with Mode(path, mode):
-            # Root enters the working directory, which may be closed to the user.
+            # Root enters the working directory, since it may be closed to the user.
             command = [*as_user, workspace.programs["vqvec"], *statement.words]
             environment = {"PATH": os.environ["PATH"], **statement.variables}
             ended = run_command(command, workspace.cwd, environment)

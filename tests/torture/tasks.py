@@ -1,5 +1,5 @@
-"""The tree of tasks and the statements that torture works on: every kind of input, every kind of
-output, in files that are new, that are there already, and that take more than one read."""
+"""The tree of tasks and the statements for torture: every kind of input and output, in files that
+are new, already exist, or take more than one read."""
 
 import os
 
@@ -20,10 +20,10 @@ def _geometry(symbols, comment="made by hand"):
 
 
 def lay_out(root):
-    """Fills the directory `root`; the program will run in its subdirectory `dir`."""
+    """Fills the directory `root`; the program runs in its subdirectory `dir`."""
     water = ["O", "H", "H"]
     files = {
-        # Four files, each overriding one before it, and geometries that are no use before one is.
+        # Four files, each overriding earlier ones, and unusable geometries before a usable one.
         "scrf/.vorq.result.kv": "# a result\natom_count=3\ncharge=0\n"
         + _column("charge", ["-0.8", "0.4", "0.4"])
         + _column("charge.resp", ["-0.834", "0.417", "0.417"]),
@@ -40,7 +40,7 @@ def lay_out(root):
         "bad/.vorq.result.kv": _column("charge", ["-0.7", "zero", "0.35"]),
         "other/.vorq.result.kv": _column("charge", ["1", "2", "3"]),
         "other/other.xyz": _geometry(["S", "H", "H"]),
-        # The sibling wins; without it the child stands for the same name.
+        # The sibling wins; without it, the same name means the child.
         "twin/.vorq.result.kv": _column("charge", ["1", "2", "3"]),
         "twin/twin.xyz": _geometry(water),
         "dir/twin/.vorq.result.kv": _column("charge", ["10", "20", "30"]),
@@ -70,7 +70,7 @@ def _atom(statement, *options):
 
 
 OLD_VALUES = b"atoms.1.old=9\natoms.2.old=8\n"  # no statement reads these back
-OLD_RECORD = b"# kept by hand\nmarker=1"  # no line end: what is appended goes right behind it
+OLD_RECORD = b"# kept by hand\nmarker=1"  # no line feed: the appended text follows directly
 LONG = b"an earlier and longer run\n" * 60
 
 STATEMENTS = (

@@ -1,9 +1,9 @@
-"""Runs the program under everything that can go wrong on a computer.
+"""Runs the program under everything that can go wrong on one machine.
 
     torture.py [--short] [--only SECTION[,SECTION...]] PROGRAM HELPERS
 
-PROGRAM is the program, HELPERS the directory with vqvec_dynamic, failing_malloc.so and short_io.
-A tree to try a reported fault in by hand: torture.py --lay-out DIRECTORY.
+PROGRAM is the program, HELPERS the directory of vqvec_dynamic, failing_malloc.so and short_io.
+`torture.py --lay-out DIRECTORY` makes a tree in which to reproduce a reported fault by hand.
 """
 
 import argparse
@@ -26,13 +26,13 @@ import tasks
 from trial import Point, Workspace
 
 WORKERS = 2
-SHOWN_FAULTS = 5  # of a section
-SHORT_POINTS = 150  # of a section
+SHOWN_FAULTS = 5  # per section
+SHORT_POINTS = 150  # per section
 IN_NAMESPACE = "VQVEC_TORTURE_IN_NAMESPACE"
 
 
 class Bench:
-    """What the sections work with."""
+    """The programs and workspaces that the sections use."""
 
     def __init__(self, programs, scratch, is_short):
         self.programs = programs
@@ -47,7 +47,7 @@ class Bench:
 
     @staticmethod
     def can_run(*command):
-        """Whether this machine permits it."""
+        """Whether this machine permits the command."""
         try:
             quiet = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
             return subprocess.run(command, check=False, **quiet).returncode == 0
@@ -59,14 +59,14 @@ def work(points, workspace, results):
     for point in points:
         try:
             fault = point.attempt(workspace)
-        except Exception:  # a fault of the torture itself: to be seen, not to end it
+        except Exception:  # a fault of the torture itself: report it, and go on
             fault = traceback.format_exc()
         results.put((point.label, fault))
     results.put(None)
 
 
 def try_all(points, workspaces):
-    """The labels and faults of all points, tried side by side."""
+    """The labels and faults of all points, tried in parallel."""
     results = multiprocessing.Queue()
     processes = [
         multiprocessing.Process(target=work, args=(points[i :: len(workspaces)], space_, results))
@@ -130,7 +130,7 @@ SECTIONS = {
 
 
 def enter_mount_namespace():
-    """Starts over with mounts of its own, which nobody else sees and which end with it."""
+    """Restarts in its own mount namespace: nobody else sees its mounts, and they end with it."""
     enter = ["unshare", "--mount", "--propagation", "private"]
     if os.geteuid() != 0 or IN_NAMESPACE in os.environ or not Bench.can_run(*enter, "true"):
         return
@@ -152,7 +152,7 @@ def main():
     enter_mount_namespace()
     multiprocessing.set_start_method("fork")
     scratch = tempfile.mkdtemp(prefix="vqvec-torture-")
-    os.chmod(scratch, 0o755)  # an ordinary user has to get in
+    os.chmod(scratch, 0o755)  # an ordinary user must be able to enter
     try:
         programs = {}
         for name, path in {
@@ -161,7 +161,7 @@ def main():
             "failing_malloc": os.path.join(arguments.helpers, "failing_malloc.so"),
             "short_io": os.path.join(arguments.helpers, "short_io"),
         }.items():
-            # Copies: whatever is built meanwhile, the torture has the same program throughout.
+            # Copies, so that a build during the run does not change the programs.
             programs[name] = shutil.copy(path, os.path.join(scratch, name))
         bench = Bench(programs, scratch, arguments.short)
         chosen = arguments.only.split(",") if arguments.only else SECTIONS

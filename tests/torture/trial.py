@@ -1,5 +1,5 @@
-"""One trial: the program runs a statement in a scratch tree while something goes wrong, and what it
-leaves behind is judged."""
+"""One trial: the program runs a statement in a scratch tree while something goes wrong, and the
+trial checks what the program leaves."""
 
 import os
 import re
@@ -34,19 +34,19 @@ class Outcome:
     stdout: bytes
     stderr: bytes
     files: dict  # content of each output; None: no such file
-    strangers: list  # files that nobody asked for
+    strangers: list  # files that were not requested
 
 
 @dataclass
 class Point:
-    """One thing that goes wrong once; `attempt` takes a workspace and gives a fault or None."""
+    """One thing that goes wrong once; `attempt` takes a workspace and returns a fault or None."""
 
     label: str
     attempt: object
 
 
 class Workspace:
-    """A tree of tasks below `root`; the program's working directory is root/parent/dir."""
+    """A tree of tasks in `root`; the program's working directory is root/parent/dir."""
 
     def __init__(self, root, programs, lay_out):
         self.root = os.path.realpath(root)
@@ -55,7 +55,7 @@ class Workspace:
         os.makedirs(self.cwd)
         lay_out(os.path.join(self.root, "parent"))
         self.listing = self._list()
-        self.latest = None  # the statement whose outputs may be there
+        self.latest = None  # the statement whose outputs may exist
 
     def path(self, name):
         return os.path.join(self.cwd, name)
@@ -63,7 +63,7 @@ class Workspace:
     def _list(self):
         found = set()
         for directory, directories, files in os.walk(os.path.join(self.root, "parent")):
-            # A directory that has been made for an output may stay.
+            # A directory created for an output may stay.
             found.update(os.path.join(directory, name) for name in files)
             found.update(
                 path
@@ -73,13 +73,13 @@ class Workspace:
         return found
 
     def begin(self, statement):
-        """Removes what another statement has left."""
+        """Removes the outputs of another statement."""
         if self.latest is not None and self.latest is not statement:
             self.clear()
         self.latest = statement
 
     def reset(self, statement):
-        """Puts the outputs into their state before the run, and nothing else beside them."""
+        """Restores the outputs to their state before the run, and removes all others."""
         self.begin(statement)
         for output in statement.outputs:
             path = self.path(output.path)
@@ -131,7 +131,7 @@ def read(path):
 
 
 def run_command(command, cwd, environment=None, time_limit=TIME_LIMIT):
-    """Exit status (negative: the signal), standard output and error."""
+    """The exit status (negative: the signal), standard output and standard error."""
     process = subprocess.Popen(
         command,
         cwd=cwd,
@@ -169,7 +169,7 @@ def _is_untouched(output, content):
 
 
 def _may_follow(output, content, reference):
-    """Old content, or as much of what the reference run wrote as there may be by then."""
+    """Whether the content is the old one, or a possible part of what the reference run wrote."""
     if content is None or reference is None:
         return content == output.old
     if output.appends:
@@ -179,8 +179,8 @@ def _may_follow(output, content, reference):
 
 
 def judge(statement, outcome, references, stdout_lost=False, stderr_lost=False, killed=False):
-    """The first thing wrong with an outcome, as text; None when all is well. The references are the
-    outcomes of undisturbed runs, one of which each file has to follow."""
+    """The first thing wrong with an outcome, as text, or None. The references are the outcomes of
+    undisturbed runs; each file must agree with one of them."""
     if killed and outcome.status == -signal.SIGKILL:
         pass
     elif outcome.status not in (0, 1):
@@ -207,7 +207,7 @@ def judge(statement, outcome, references, stdout_lost=False, stderr_lost=False, 
         usage = any(reference.stdout == outcome.stdout != b"" for reference in failing)
         if outcome.stdout and not usage and not stdout_lost:
             return "status 1 with a report"
-        # Some ends have no error line, such as the usage without a statement.
+        # Some failures have no error line, such as the usage without a statement.
         silent = any(not reference.stderr for reference in failing)
         if not outcome.stderr and not silent and not stderr_lost:
             return "status 1 without an error line"
@@ -216,14 +216,14 @@ def judge(statement, outcome, references, stdout_lost=False, stderr_lost=False, 
         content = outcome.files[output.path]
         wholes = [reference.files[output.path] for reference in references]
         if is_over and not _is_untouched(output, content):
-            return f"{output.path} is written although a file before it is not complete"
+            return f"{output.path} is written although an earlier file is incomplete"
         if not any(_may_follow(output, content, whole) for whole in wholes):
-            return f"{output.path} holds what no run writes"
+            return f"{output.path} contains what no run writes"
         is_over = content not in wholes
     return None
 
 
 def shown(prefix, program, statement):
-    """The command of a trial, to be tried by hand."""
+    """The command of a trial, for use by hand."""
     words = [*prefix, program, *statement.words]
     return re.sub(r"\s+", " ", shlex.join(str(word) for word in words))
