@@ -4,14 +4,14 @@
 #include <cctype>
 #include <stdexcept>
 
-#include "dsl/argument_reader.hpp"
 #include "dsl/lexical.hpp"
 #include "dsl/nesting_scanner.hpp"
 
 namespace vqvec {
 namespace {
 
-// Where the parenthesis closes that a text begins with: `(a)` at its end, `(a)+g(b)` earlier.
+// Where the parenthesis at the front of a text is closed: in `(a)` at its end, in `(a)+g(b)`
+// earlier.
 enum class Closing { at_end, earlier, never };
 
 Closing find_closing(std::string_view parenthesised) {
@@ -52,21 +52,9 @@ FunctionCall parse_function_call(std::string_view text) {
   }
   return {to_lower(name), trimmed.substr(open + 1, trimmed.size() - open - 2)};
 }
+
 FunctionCall parse_function_call(const char* text) {
   return parse_function_call(std::string_view(text));
-}
-
-std::vector<std::string_view> split_call_arguments(std::string_view text) {
-  std::vector<Expression> storage;
-  std::vector<std::string_view> pieces;
-  for (const Expression& piece : ArgumentReader(text, storage).read()) {
-    pieces.push_back(piece.text);
-  }
-  return pieces;
-}
-
-std::vector<std::string_view> split_call_arguments(const char* text) {
-  return split_call_arguments(std::string_view(text));
 }
 
 }  // namespace vqvec

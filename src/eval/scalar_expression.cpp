@@ -5,12 +5,13 @@
 
 #include "dsl/lexical.hpp"
 #include "dsl/number.hpp"
+#include "eval/vector_expression.hpp"
 #include "eval/vector_functions.hpp"
 
 namespace vqvec {
 namespace {
 
-// `@key` of the working directory's own task, or `@task.key`; the key begins behind the first dot.
+// `@key` of the working directory's own task, or `@task.key`; the key begins after the first dot.
 double read_task_key(std::string_view expression, EvalContext& context) {
   const std::string_view rest = expression.substr(1);
   const auto dot = rest.find('.');
@@ -25,35 +26,32 @@ double read_task_key(std::string_view expression, EvalContext& context) {
   return parse_finite_number(*value, expression);
 }
 
-PendingCallPtr begin_sum(const Expression& call) {
+double sum_of_argument(const Expression& call, EvalContext& context) {
   if (call.arguments.size() != 1) {
     throw std::runtime_error("sum() expects one vector argument");
   }
-  return when_evaluated(
-      {{&call.arguments.front(), ValueKind::vector}},
-      [](std::vector<Value>& values) { return sum_of(std::get<AtomVector>(values[0])); });
+  return sum_of(evaluate_vector_expression(call.arguments.front(), context));
 }
 
 }  // namespace
 
 double evaluate_scalar_expression(std::string_view text, EvalContext& context) {
-  const ExpressionTree tree(text);
-  return std::get<double>(evaluate({&tree.root(), ValueKind::scalar}, context));
+  return evaluate_scalar_expression(parse_expression(text), context);
 }
 
-PendingCallPtr begin_scalar_expression(const Expression& expression, EvalContext& context) {
+double evaluate_scalar_expression(const Expression& expression, EvalContext& context) {
   const std::string_view text = trim(expression.text);
   if (text.empty()) {
     throw std::runtime_error("empty scalar expression");
   }
   if (is_number_literal(text)) {
-    return ready(parse_finite_number(text, "scalar literal"));
+    return parse_finite_number(text, "scalar literal");
   }
   if (text.starts_with('@')) {
-    return ready(read_task_key(text, context));
+    return read_task_key(text, context);
   }
-  if (to_lower(expression.function) == "sum") {
-    return begin_sum(expression);
+  if (expression.function == "sum") {
+    return sum_of_argument(expression, context);
   }
   throw std::runtime_error("unsupported scalar expression: " + std::string(expression.text));
 }

@@ -4,16 +4,17 @@
 
 #include <string_view>
 
-#include "eval/pending_call.hpp"
+#include "dsl/expression.hpp"
+#include "taskstore/eval_context.hpp"
 
 namespace vqvec {
 
-// The text must outlive the context, which keeps task texts as views of it. Literals and task keys
-// are finite; a sum need not be.
+// Literals and task keys are finite; a sum need not be. The text must outlive the context, which
+// keeps task texts as views of it.
 double evaluate_scalar_expression(std::string_view text, EvalContext& context);
 
-// The same for an expression nested in another: begun here, carried on by evaluate().
-PendingCallPtr begin_scalar_expression(const Expression& expression, EvalContext& context);
+// The same for an expression that has been parsed, such as an argument.
+double evaluate_scalar_expression(const Expression& expression, EvalContext& context);
 
 }  // namespace vqvec
 

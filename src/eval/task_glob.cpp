@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 struct SearchRoot {
   fs::path directory;
-  bool keeps_path;  // matches are reported as paths below the root, else by their bare names
+  bool keeps_path;  // matches are reported as paths below the root, otherwise by their bare names
 };
 
 std::vector<SearchRoot> search_roots(const fs::path& pattern, const fs::path& working_directory) {
@@ -28,20 +28,20 @@ std::vector<SearchRoot> search_roots(const fs::path& pattern, const fs::path& wo
   return {{working_directory.parent_path(), false}, {working_directory, false}};
 }
 
-// The directories that a pattern matches, each once.
+// Collects the directories that match a pattern, each once.
 class DirectorySearch {
  public:
   DirectorySearch(std::string name_pattern, fs::path working_directory)
       : name_pattern_(std::move(name_pattern)), working_directory_(std::move(working_directory)) {}
 
-  // A root that is missing or can't be listed has no matches.
+  // A root that is missing or cannot be listed has no matches.
   void search(const SearchRoot& root) {
     const fs::path absolute_root = (working_directory_ / root.directory).lexically_normal();
     std::error_code error;
     const fs::directory_iterator entries(root.directory, error);
-    require_memory(error);
+    throw_if_out_of_memory(error);
     for (const fs::directory_entry& entry : entries) {
-      if (!entry.is_directory()) {  // asked before the name: a link that can't be judged fails
+      if (!entry.is_directory()) {  // before the name: a link that cannot be examined is a failure
         continue;
       }
       const std::string name = entry.path().filename().string();
@@ -70,23 +70,23 @@ bool has_wildcard(std::string_view text) {
   return text.find('*') != std::string_view::npos || text.find('?') != std::string_view::npos;
 }
 
-// The latest '*' can take up whatever an earlier one could, so only that one is ever tried again:
-// the answers of backtracking without its cost.
+// The latest '*' can match whatever an earlier one could, so only the latest is ever retried: the
+// result of backtracking without its cost.
 bool wildcard_match(std::string_view pattern, std::string_view name) {
   std::size_t in_pattern = 0;
   std::size_t in_name = 0;
-  std::size_t behind_star = std::string_view::npos;
+  std::size_t after_star = std::string_view::npos;
   std::size_t star_end = 0;  // where in the name the latest '*' ends
   while (in_name < name.size()) {
     if (in_pattern < pattern.size() && pattern[in_pattern] == '*') {
-      behind_star = ++in_pattern;
+      after_star = ++in_pattern;
       star_end = in_name;
     } else if (in_pattern < pattern.size() &&
                (pattern[in_pattern] == '?' || pattern[in_pattern] == name[in_name])) {
       ++in_pattern;
       ++in_name;
-    } else if (behind_star != std::string_view::npos) {
-      in_pattern = behind_star;
+    } else if (after_star != std::string_view::npos) {
+      in_pattern = after_star;
       in_name = ++star_end;
     } else {
       return false;

@@ -4,16 +4,17 @@
 
 #include <string_view>
 
-#include "eval/pending_call.hpp"
+#include "dsl/expression.hpp"
+#include "taskstore/atom_vector.hpp"
 
 namespace vqvec {
 
-// The text must outlive the context, which keeps task texts as views of it. Arguments are evaluated
-// in the order that each function's rules name, and the first failure ends it.
+// Arguments are evaluated in the order that each function defines; the first failure ends the
+// evaluation. The text must outlive the context, which keeps task texts as views of it.
 AtomVector evaluate_vector_expression(std::string_view text, EvalContext& context);
 
-// The same for an expression nested in another: begun here, carried on by evaluate().
-PendingCallPtr begin_vector_expression(const Expression& expression, EvalContext& context);
+// The same for an expression that has been parsed, such as an argument.
+AtomVector evaluate_vector_expression(const Expression& expression, EvalContext& context);
 
 }  // namespace vqvec
 

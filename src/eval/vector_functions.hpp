@@ -1,4 +1,4 @@
-// The arithmetic of per-atom vectors. Nothing here knows of texts or tasks.
+// The arithmetic of per-atom vectors, independent of texts and tasks.
 #ifndef VQVEC_EVAL_VECTOR_FUNCTIONS_HPP
 #define VQVEC_EVAL_VECTOR_FUNCTIONS_HPP
 
@@ -18,11 +18,12 @@ void add_weighted_to(AtomVector& sum, const AtomVector& next, double weight);
 void subtract_from(AtomVector& first, const AtomVector& second);
 
 void multiply_by(AtomVector& vector, double factor);
-void divide_by(AtomVector& vector, double divisor);  // not by the reciprocal: other digits
+void divide_by(AtomVector& vector,
+               double divisor);  // not a product with the reciprocal, whose digits differ
 void flip_signs(AtomVector& vector);
 void clear_signs(AtomVector& vector);
 
-// Limits every element to [min, max]; a NaN becomes max. Fails with "clip() min cannot be greater
+// Limits each element to [min, max]; a NaN becomes max. Fails with "clip() min cannot be greater
 // than max".
 void clip(AtomVector& vector, double min, double max);
 

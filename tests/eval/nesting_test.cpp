@@ -1,4 +1,4 @@
-// Statements nested or long as nobody types them, but a script may.
+// Statements nested deeper or longer than anybody types, but a script may generate them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,24 +38,25 @@ struct NestingCase {
   AtomVector expected;  // with a:q = [0.25, 0.75] inside, which adds up to 1
 };
 const std::vector<NestingCase> nesting_cases = {
-    {"Neg", "neg(", 10'000, ")", {0.25, 0.75}},
-    {"NegOdd", "neg(", 10'001, ")", {-0.25, -0.75}},
-    {"NegAtTheLimit", "neg(", 20'000, ")", {0.25, 0.75}},
-    {"Abs", "abs( ", 10'000, " )", {0.25, 0.75}},
-    {"Mean", "mean(", 10'000, ")", {0.25, 0.75}},
-    {"Add", "add(", 10'000, ")", {0.25, 0.75}},
-    {"MeanWithBlanks", "mean( ", 10'000, " )", {0.25, 0.75}},
-    {"MeanOfTwo", "mean(a:q, ", 10'000, ")", {0.25, 0.75}},
-    {"AddOfTwo", "add(", 10'000, ", a:q)", {2500.25, 7500.75}},
-    {"Sub", "sub(", 10'000, ", a:q)", {-2499.75, -7499.25}},
-    {"ScaleVector", "scale(", 10'000, ", -1)", {0.25, 0.75}},
-    {"ScaleBySum", "scale(a:q, sum(", 10'000, "))", {0.25, 0.75}},
-    {"WeightBySum", "wsum(a:q, sum(", 10'000, "))", {0.25, 0.75}},
-    {"MeanWeightBySum", "wmean(a:q, sum(", 10'000, "))", {0.25, 0.75}},
-    {"ClipToSum", "clip(a:q, 0, sum(", 10'000, "))", {0.25, 0.75}},
-    {"Renorm", "renorm(", 10'000, ", 1)", {0.25, 0.75}},
-    {"RenormToSum", "renorm(a:q, sum(", 10'000, "))", {0.25, 0.75}},
-    {"ManyFunctions", "neg(add(a:q, abs(sub(a:q, a:q)), neg(", 5'000, ")))", {-1249.75, -3749.25}},
+    {"Neg", "neg(", 1'000, ")", {0.25, 0.75}},
+    {"NegOdd", "neg(", 999, ")", {-0.25, -0.75}},
+    {"Abs", "abs( ", 1'000, " )", {0.25, 0.75}},
+    {"Mean", "mean(", 1'000, ")", {0.25, 0.75}},
+    {"Add", "add(", 1'000, ")", {0.25, 0.75}},
+    {"MeanWithSpaces", "mean( ", 1'000, " )", {0.25, 0.75}},
+    {"MeanOfTwo", "mean(a:q, ", 1'000, ")", {0.25, 0.75}},
+    {"AddOfTwo", "add(", 1'000, ", a:q)", {250.25, 750.75}},
+    {"Sub", "sub(", 1'000, ", a:q)", {-249.75, -749.25}},
+    {"SubFromAnother", "sub(a:q, ", 1'000, ")", {0.25, 0.75}},
+    {"ScaleVector", "scale(", 1'000, ", -1)", {0.25, 0.75}},
+    {"ScaleBySum", "scale(a:q, sum(", 500, "))", {0.25, 0.75}},
+    {"WeightBySum", "wsum(a:q, sum(", 500, "))", {0.25, 0.75}},
+    {"MeanWeightBySum", "wmean(a:q, sum(", 500, "))", {0.25, 0.75}},
+    {"ClipVector", "clip(", 1'000, ", 0, 1)", {0.25, 0.75}},
+    {"ClipToSum", "clip(a:q, 0, sum(", 500, "))", {0.25, 0.75}},
+    {"Renorm", "renorm(", 1'000, ", 1)", {0.25, 0.75}},
+    {"RenormToSum", "renorm(a:q, sum(", 500, "))", {0.25, 0.75}},
+    {"ManyFunctions", "neg(add(a:q, abs(sub(a:q, a:q)), neg(", 333, ")))", {-83, -249}},
 };
 class Nesting : public testing::TestWithParam<NestingCase> {
  protected:
@@ -77,18 +78,18 @@ INSTANTIATE_TEST_SUITE_P(Functions, Nesting, testing::ValuesIn(nesting_cases),
 TEST(DeepNesting, EntersTheAttemptOfEachLevelIntoTheUsedTasks) {
   const TaskTree tree;
   tree.add_task("a", atom_lines("q", {"1"}));
-  const std::string text = nested("mean(", 10'000, "a:q", ")");
+  const std::string text = nested("mean(", 1'000, "a:q", ")");
   EvalContext context;
   evaluate_vector_expression(text, context);
-  ASSERT_EQ(context.used_tasks().size(), 10'000U);
-  EXPECT_EQ(context.used_tasks().front(), repeat("mean(", 9'999) + "a");
-  EXPECT_EQ(context.used_tasks()[9'998], "mean(a");
-  EXPECT_EQ(context.used_tasks()[9'999], "a");
+  ASSERT_EQ(context.used_tasks().size(), 1'000U);
+  EXPECT_EQ(context.used_tasks().front(), repeat("mean(", 999) + "a");
+  EXPECT_EQ(context.used_tasks()[998], "mean(a");
+  EXPECT_EQ(context.used_tasks()[999], "a");
 }
 
 TEST(DeepNesting, FailsWithTheMessageOfTheInnermost) {
   const TaskTree tree;
-  const std::string text = nested("neg(", 10'000, "nope:q", ")");
+  const std::string text = nested("neg(", 1'000, "nope:q", ")");
   EvalContext context;
   EXPECT_EQ(failure_of([&] { evaluate_vector_expression(text, context); }),
             "task 'nope' does not contain atom vector 'q'");
@@ -98,24 +99,38 @@ TEST(DeepNesting, FailsWithTheMessageOfTheInnermost) {
 TEST(DeepNesting, IsEvaluatedInScalars) {
   const TaskTree tree;
   tree.add_task("a", atom_lines("q", {"0.25", "0.75"}));
-  const std::string text = "sum(" + nested("scale(a:q, sum(", 9'999, "a:q", "))") + ")";
+  const std::string text = "sum(" + nested("scale(a:q, sum(", 499, "a:q", "))") + ")";
   EvalContext context;
   EXPECT_EQ(evaluate_scalar_expression(text, context), 1);
 }
 
-TEST(DeepNesting, EndsAtTwentyThousandParentheses) {
+TEST(DeepNesting, EndsAtAThousandParentheses) {
   const TaskTree tree;
   tree.add_task("a", atom_lines("q", {"1"}));
-  const std::string message = "expression is nested more than 20000 parentheses deep";
+  const std::string message = "expression is nested more than 1000 parentheses deep";
   for (const std::string opening : {"neg(", "mean(", "foo("}) {
-    const std::string text = nested(opening, 20'001, "a:q", ")");
+    const std::string text = nested(opening, 1'001, "a:q", ")");
     EvalContext context;
     EXPECT_EQ(failure_of([&] { evaluate_vector_expression(text, context); }), message) << opening;
     EXPECT_EQ(context.used_tasks(), Tasks()) << opening;
   }
-  const std::string sum = "sum(" + nested("neg(", 20'000, "a:q", ")") + ")";
+  const std::string sum = "sum(" + nested("neg(", 1'000, "a:q", ")") + ")";
   EvalContext context;
   EXPECT_EQ(failure_of([&] { evaluate_scalar_expression(sum, context); }), message);
+}
+
+// A quoted weight is an expression of its own, but the parentheses around it are open as well.
+TEST(DeepNesting, IncludesTheParenthesesAroundAQuotedWeight) {
+  const TaskTree tree;
+  tree.add_task("a", atom_lines("q", {"1"}));
+  const auto text = [](std::size_t outer, std::size_t inner) {
+    const std::string weight = "sum(" + nested("neg(", inner - 1, "a:q", ")") + ")";
+    return nested("neg(", outer - 1, "wsum(a:q, '" + weight + "')", ")");
+  };
+  EvalContext context;
+  EXPECT_THAT(evaluate_vector_expression(text(501, 499), context), exactly({1}));
+  EXPECT_EQ(failure_of([&] { evaluate_vector_expression(text(501, 500), context); }),
+            "expression is nested more than 1000 parentheses deep");
 }
 
 TEST(NestedWeights, AreEvaluatedOncePerCallAndNotOncePerTask) {
@@ -168,12 +183,12 @@ TEST(LongExpressions, TakeFiftyThousandReferencesInSixteenSpellings) {
   EXPECT_EQ(context.used_tasks(), Tasks(spellings.begin(), spellings.end()));
 }
 
-TEST(LongExpressions, TakeAHundredThousandBlanks) {
+TEST(LongExpressions, TakeAHundredThousandSpaces) {
   const TaskTree tree;
   tree.add_task("a", atom_lines("q", {"1", "2"}));
-  const std::string blanks(100'000, ' ');
-  const std::string text = blanks + "neg" + blanks + "(" + blanks + "a" + blanks + ":" + blanks +
-                           "q" + blanks + ")" + blanks;
+  const std::string spaces(100'000, ' ');
+  const std::string text = spaces + "neg" + spaces + "(" + spaces + "a" + spaces + ":" + spaces +
+                           "q" + spaces + ")" + spaces;
   EvalContext context;
   EXPECT_THAT(evaluate_vector_expression(text, context), exactly({-1, -2}));
 }

@@ -1,9 +1,10 @@
 // The operations on expression text, each against its rules taken literally.
 #include <cstddef>
 #include <optional>
-#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "dsl/call.hpp"
 #include "dsl/expression.hpp"
@@ -11,8 +12,8 @@
 #include "dsl/option_words.hpp"
 #include "dsl/reference.hpp"
 #include "tests/fuzz/input.hpp"
-#include "tests/reference/lexing.hpp"
 #include "tests/fuzz/require.hpp"
+#include "tests/reference/lexing.hpp"
 
 namespace vqvec {
 namespace {
@@ -26,13 +27,31 @@ std::string joined(const Texts& texts) {
   return all;
 }
 
+std::vector<std::string> texts_of(const std::vector<Expression>& expressions) {
+  std::vector<std::string> texts;
+  for (const Expression& expression : expressions) {
+    texts.emplace_back(expression.text);
+  }
+  return texts;
+}
+
+void require_depth(std::size_t depth) {
+  if (depth > 1000) {
+    throw std::runtime_error("expression is nested more than 1000 parentheses deep");
+  }
+}
+
 void compare_texts(const std::string& text) {
   TextPool pool;
   require_equal(std::string(trim(text)), reference::trim(text), "trim");
   require_equal(to_lower(text), reference::to_lower(text), "to_lower");
   require_equal(std::string(unquote_argument(text, pool)), reference::unquote_argument(text),
                 "unquote_argument");
-  require_equal(joined(split_call_arguments(text)), joined(reference::split_call_arguments(text)),
+  require_equal(outcome_of([&] { return joined(texts_of(split_call_arguments(text))); }),
+                outcome_of([&] {
+                  require_depth(1 + reference::deepest_nesting(text));
+                  return joined(reference::split_call_arguments(text));
+                }),
                 "split_call_arguments");
   require_equal(joined(split_option_words(text)), joined(reference::split_option_words(text)),
                 "split_option_words");
@@ -63,7 +82,7 @@ void compare_calls(const std::string& text) {
 void compare_node(const Expression& node, const std::string& text) {
   require_equal(std::string(node.text), text, "text of an expression");
   const reference::Call call = reference::parse_function_call(text);
-  require_equal(to_lower(node.function), call.name, "function of an expression");
+  require_equal(node.function, call.name, "function of an expression");
   const auto arguments = call.name.empty() ? std::vector<std::string>()
                                            : reference::split_call_arguments(call.argument_text);
   require(node.arguments.size() == arguments.size(), "number of arguments");
@@ -73,18 +92,21 @@ void compare_node(const Expression& node, const std::string& text) {
 }
 
 void compare_tree(const std::string& text) {
-  std::optional<ExpressionTree> tree;
+  std::optional<Expression> root;
   const std::string outcome = outcome_of([&] {
-    tree.emplace(text);
+    root = parse_expression(text);
     return std::string();
   });
   const std::string expected = outcome_of([&] {
-    reference::parse_function_call(reference::trim(text));
+    const reference::Call call = reference::parse_function_call(reference::trim(text));
+    if (!call.name.empty()) {
+      require_depth(1 + reference::deepest_nesting(call.argument_text));
+    }
     return std::string();
   });
-  require_equal(outcome, expected, "ExpressionTree");
-  if (tree) {
-    compare_node(tree->root(), text);
+  require_equal(outcome, expected, "parse_expression");
+  if (root) {
+    compare_node(*root, text);
   }
 }
 

@@ -4,6 +4,7 @@
 #ifndef VQVEC_TESTS_REFERENCE_LEXING_HPP
 #define VQVEC_TESTS_REFERENCE_LEXING_HPP
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <stdexcept>
@@ -150,6 +151,29 @@ inline Call parse_function_call(const std::string& text) {
     throw std::runtime_error("unbalanced function expression: " + text);
   }
   return {to_lower(raw_name), s.substr(p + 1, s.size() - p - 2)};
+}
+
+// The greatest number of parentheses open at one place outside quotes; a ')' too many is ignored.
+inline std::size_t deepest_nesting(const std::string& text) {
+  char quote = '\0';
+  bool escape_next = false;
+  std::size_t depth = 0;
+  std::size_t deepest = 0;
+  for (const char c : text) {
+    if (escape_next) {
+      escape_next = false;
+    } else if (quote != '\0') {
+      escape_next = c == '\\';
+      quote = c == quote ? '\0' : quote;
+    } else if (c == '\'' || c == '"') {
+      quote = c;
+    } else if (c == '(') {
+      deepest = std::max(deepest, ++depth);
+    } else if (c == ')' && depth > 0) {
+      --depth;
+    }
+  }
+  return deepest;
 }
 
 inline std::vector<std::string> split_call_arguments(const std::string& text) {
