@@ -11,9 +11,7 @@
 namespace vqvec {
 namespace {
 
-using Geometry = std::vector<GeomAtom>;
-
-// The task text of the geometry.
+// The text of the task that supplies the geometry.
 std::string_view choose_geometry_task(const std::string& geom_path, const EvalContext& context) {
   const std::string_view named = trim(geom_path);
   const std::string word = to_lower(named);
@@ -42,7 +40,7 @@ void require_equal_counts(const std::string& kind, const Geometry& geometry,
   }
 }
 
-// A property name that the header of an extended-XYZ file can carry.
+// The property name without the bytes that would break the header of an extended-XYZ file.
 std::string extxyz_label(std::string_view target) {
   std::string label(target);
   const auto breaks_header = [](char c) { return c == ':' || c == '=' || is_space(c); };
@@ -57,8 +55,9 @@ std::string extxyz_text(std::string_view target, const Geometry& geometry,
   text.reserve(result.size() * usual_line);
   text += "Properties=species:S:1:pos:R:3:" + extxyz_label(target) + ":R:1 generated_by=vqvec\n";
   for (std::size_t i = 0; i < result.size(); ++i) {
-    text += geometry[i].symbol.text();
-    for (const double coordinate : {geometry[i].x, geometry[i].y, geometry[i].z}) {
+    const GeomAtom atom = geometry[i];
+    text += atom.symbol;
+    for (const double coordinate : {atom.x, atom.y, atom.z}) {
       text += ' ';
       append_fixed10(text, coordinate);
     }
@@ -69,7 +68,7 @@ std::string extxyz_text(std::string_view target, const Geometry& geometry,
   return text;
 }
 
-// Fills up with blanks, on the right or on the left; a longer field stays whole.
+// Pads with spaces on the right or on the left; a longer field is not cut.
 void append_left_aligned(std::string& text, std::string_view field, std::size_t width) {
   text += field;
   text.append(width - std::min(width, field.size()), ' ');
@@ -84,13 +83,14 @@ std::string chg_text(const Geometry& geometry, const AtomVector& result) {
   constexpr std::size_t coordinate_width = 16;
   std::string text;
   for (std::size_t i = 0; i < result.size(); ++i) {
-    append_left_aligned(text, geometry[i].symbol.text(), symbol_width);
-    for (const double coordinate : {geometry[i].x, geometry[i].y, geometry[i].z}) {
+    const GeomAtom atom = geometry[i];
+    append_left_aligned(text, atom.symbol, symbol_width);
+    for (const double coordinate : {atom.x, atom.y, atom.z}) {
       text += ' ';
       append_right_aligned(text, format_fixed10(coordinate), coordinate_width);
     }
     text += ' ';
-    if (result[i] >= 0.0) {  // -0 included: it gets a blank and its sign
+    if (result[i] >= 0.0) {  // including -0, which gets a space and its sign
       text += ' ';
     }
     append_fixed10(text, result[i]);

@@ -1,4 +1,4 @@
-// The result beside the atoms of a task's geometry: extended-XYZ and charge files.
+// Files that combine the result with a task's geometry: extended XYZ and charge files.
 #ifndef VQVEC_OUTPUT_GEOMETRY_OUTPUTS_HPP
 #define VQVEC_OUTPUT_GEOMETRY_OUTPUTS_HPP
 
@@ -7,9 +7,9 @@
 
 namespace vqvec {
 
-// Writes the files that the statement names, first the extended-XYZ file, then the charge file. The
-// geometry is that of the task named by --geom, else of the first task used, else of the working
-// directory. Fails when there is no geometry, when its size is not that of the result, and as
+// Writes the files that the statement names: first the extended-XYZ file, then the charge file. The
+// geometry is that of the task named by --geom, otherwise of the first task used, otherwise of the
+// working directory. Fails if there is no geometry, if its size differs from the result's, and as
 // write_text_file does. The statement must outlive the context.
 void write_geometry_outputs(const DslStatement& statement, const AtomVector& result,
                             EvalContext& context);

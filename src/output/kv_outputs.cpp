@@ -17,7 +17,8 @@ void append_variable(std::string& text, const std::string& key, const char* vari
 }  // namespace
 
 std::string values_text(std::string_view target, const AtomVector& result) {
-  constexpr std::size_t longest_numbers = 32;  // of most lines: an atom's number and a value
+  constexpr std::size_t longest_numbers =
+      32;  // for most lines: "atoms.", an atom's number, a value
   std::string text;
   text.reserve(result.size() * (target.size() + longest_numbers));
   for (std::size_t i = 0; i < result.size(); ++i) {
@@ -43,7 +44,7 @@ std::string snapshot_text(std::size_t atom_count) {
   append_variable(text, "task_name", "VORQUIL_TASKNAME");
   append_variable(text, "input_name", "VORQUIL_INPUTNAME");
   append_variable(text, "struc_id", "VORQUIL_STRUCID");
-  append_variable(text, "strucId", "VORQUIL_STRUCID");  // readers of either spelling exist
+  append_variable(text, "strucId", "VORQUIL_STRUCID");  // both spellings are in use
   return text;
 }
 

@@ -13,7 +13,7 @@
 namespace vqvec {
 namespace {
 
-// The library's way, which any value can take.
+// For any value.
 void append_with_library(std::string& text, double value, std::chars_format format, int precision) {
   constexpr std::size_t longest_number = 336;  // a sign, 309 digits, a point, some more digits
   char digits[longest_number];
@@ -21,9 +21,10 @@ void append_with_library(std::string& text, double value, std::chars_format form
   text.append(digits, end);
 }
 
-// Values of everyday size take another, three times as fast: as an integer of all their printed
+// Values of ordinary size are printed three times as fast, as an integer of all their printed
 // digits. A double is a 53-bit integer times a power of two, so its product with a power of ten up
-// to 10^22 is exact in 128 bits, and rounding that (to nearest, ties to even) is what printf does.
+// to 10^22 is exact in 128 bits, and rounding that product (to nearest, ties to even) gives
+// printf's digits.
 
 constexpr std::uint64_t powers_of_ten[] = {
     1ULL,
@@ -48,7 +49,7 @@ constexpr std::uint64_t powers_of_ten[] = {
     10'000'000'000'000'000'000ULL,
 };
 
-// Out here, since a function would make its own copy in every call.
+// At namespace scope: a local array would be copied on every call.
 constexpr double decades[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1,  1e2,  1e3,  1e4, 1e5,
                               1e6,  1e7,  1e8,  1e9, 1e10, 1e11, 1e12, 1e13};
 
@@ -63,7 +64,7 @@ std::uint64_t scale_and_round(double value, int power) {
   const auto exponent = static_cast<unsigned>(bits >> mantissa_bits) & exponent_mask;
   const unsigned shift = exponent_bias - exponent;
   if (shift > widest_product) {
-    return 0;  // less than a half; subnormal numbers are among these
+    return 0;  // less than a half, as are all subnormal numbers
   }
   constexpr std::uint64_t leading_bit = std::uint64_t{1} << mantissa_bits;
   const std::uint64_t mantissa = (bits & (leading_bit - 1)) | leading_bit;
@@ -75,7 +76,7 @@ std::uint64_t scale_and_round(double value, int power) {
   return whole + (rounds_up ? 1 : 0);
 }
 
-// Writes the last `count` digits of the number, with leading zeros, and ends at `end`.
+// Writes the last `count` digits of the number, with leading zeros, so that they end at `end`.
 void write_digits(char* end, std::size_t count, std::uint64_t number) {
   constexpr std::uint64_t ten = 10;
   for (; count >= eight_digits::count; count -= eight_digits::count) {
@@ -89,13 +90,13 @@ void write_digits(char* end, std::size_t count, std::uint64_t number) {
   }
 }
 
-// A sign, if needed, and the digits of `scaled` with a point before the last `decimals` of them.
-// Written in their final place: short copies of what was just written are slow.
+// Appends a sign if needed, and the digits of `scaled` with a point before the last `decimals`.
+// They are written in their final place: copying a few bytes just written is slow.
 void append_scaled(std::string& text, bool is_negative, std::uint64_t scaled,
                    std::size_t decimals) {
   constexpr std::size_t longest_number = 22;  // digits, a zero and a point
   const std::uint64_t unit = powers_of_ten[decimals];
-  const std::uint64_t whole = scaled < unit ? 0 : scaled / unit;  // 0 spares the division
+  const std::uint64_t whole = scaled < unit ? 0 : scaled / unit;  // avoids a division
   if (is_negative) {
     text += '-';
   }
@@ -127,14 +128,14 @@ std::string format_fixed10(double value) {
 
 void append_value15(std::string& text, double value) {
   constexpr int digits = 15;
-  constexpr double smallest = 1e-4;  // below it printed in scientific notation
+  constexpr double smallest = 1e-4;  // smaller values are printed in scientific notation
   constexpr double limit = 1e14;
   const double magnitude = std::fabs(value);
   if (!(magnitude >= smallest && magnitude < limit)) {
     append_with_library(text, value, std::chars_format::general, digits);
     return;
   }
-  // As many decimals as leave 15 digits in all. Rounding up can make one digit more of them.
+  // As many decimals as give 15 digits in all. Rounding up can add one digit.
   const auto above = std::find_if(std::begin(decades), std::end(decades),
                                   [magnitude](double decade) { return decade > magnitude; });
   int decimals = digits + 3 - static_cast<int>(above - std::begin(decades));
@@ -151,7 +152,7 @@ void append_value15(std::string& text, double value) {
 
 void append_fixed10(std::string& text, double value) {
   constexpr int decimals = 10;
-  constexpr double limit = 1e9;  // below it the scaled value fits into 64 bits
+  constexpr double limit = 1e9;  // smaller values fit into 64 bits when scaled
   if (std::fabs(value) < limit) {
     append_scaled(text, std::signbit(value), scale_and_round(value, decimals), decimals);
   } else {

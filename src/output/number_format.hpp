@@ -1,4 +1,4 @@
-// How numbers are printed in the files that are written.
+// Printing numbers in output files.
 #ifndef VQVEC_OUTPUT_NUMBER_FORMAT_HPP
 #define VQVEC_OUTPUT_NUMBER_FORMAT_HPP
 
@@ -12,7 +12,7 @@ std::string format_value15(double value);
 // As printf's %.10f: 10 digits after the point, for coordinates.
 std::string format_fixed10(double value);
 
-// The same, behind a text that grows to hold a whole file.
+// The same, appended to a text.
 void append_value15(std::string& text, double value);
 void append_fixed10(std::string& text, double value);
 

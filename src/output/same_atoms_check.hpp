@@ -1,4 +1,4 @@
-// The check that all tasks whose vectors went into a result describe the same atoms.
+// Checks that all tasks whose vectors were used describe the same atoms.
 #ifndef VQVEC_OUTPUT_SAME_ATOMS_CHECK_HPP
 #define VQVEC_OUTPUT_SAME_ATOMS_CHECK_HPP
 
@@ -8,9 +8,9 @@
 
 namespace vqvec {
 
-// Compares each used task's atom count with the result's length, and each later task with the first
-// one: atom counts, and the symbols where both have a geometry. An atom count of 0 means "not
-// known" and fails nothing. The first difference is the message.
+// Compares the atom count of each used task with the length of the result, and each task after the
+// first with the first: atom counts, and symbols where both have a geometry. An atom count of 0
+// means "unknown" and is not compared. Fails at the first difference.
 void check_same_atoms(EvalContext& context, std::size_t result_length);
 
 }  // namespace vqvec

@@ -10,16 +10,16 @@
 namespace vqvec {
 namespace {
 
-// The column's values up to the first gap.
+// The values before the first gap.
 AtomVector read_column(const AtomColumn& column, std::string_view task_text,
                        std::string_view property) {
   AtomVector vector;
   vector.reserve(column.leading_size());
   while (const auto text = column.find(vector.size() + 1)) {
-    const auto value = read_finite_number(*text);
+    const std::optional<double> value = read_finite_number(*text);
     if (!value) {
-      parse_finite_number(*text, std::string(task_text) + ":" + std::string(property) + " atom " +
-                                     std::to_string(vector.size() + 1));
+      throw_not_finite(*text, std::string(task_text) + ":" + std::string(property) + " atom " +
+                                  std::to_string(vector.size() + 1));
     }
     vector.push_back(*value);
   }

@@ -1,4 +1,4 @@
-// Per-atom vectors, and what is read from the data of one task: vectors, scalars, the atom count.
+// Per-atom vectors, and reading vectors, scalars and the atom count of one task.
 #ifndef VQVEC_TASKSTORE_ATOM_VECTOR_HPP
 #define VQVEC_TASKSTORE_ATOM_VECTOR_HPP
 
@@ -14,19 +14,19 @@ namespace vqvec {
 // One number per atom; element k holds atom k + 1.
 using AtomVector = std::vector<double>;
 
-// The values of atoms.1.<property>, atoms.2.<property>, ... up to the first missing key, and enters
-// the task text into the list of used tasks. Fails when there is no first atom, when a value is not
-// a finite number, and when the task's atom count is known and another.
+// The values of atoms.1.<property>, atoms.2.<property>, ... up to the first missing key. Adds the
+// task text to the list of used tasks. Fails if there is no first atom, if a value is not a finite
+// number, or if the task's atom count is known and differs.
 AtomVector load_atom_vector(EvalContext& context, std::string_view task_text,
                             std::string_view property);
 
-// A scalar that a caller of that label (for messages, such as "wmean()") needs from a task. The key
-// is looked up as given. The task does not count as used.
+// A scalar of a task. The label names the caller in messages, for example "wmean()". The key is
+// looked up as given. The task is not added to the list of used tasks.
 double load_task_scalar(EvalContext& context, std::string_view task_text, std::string_view key,
                         std::string_view label);
 
-// From the first of the keys `atom_count` and `geometry.atom_count` that gives a number other than
-// 0, or else the size of the geometry. 0: not known.
+// The first of the keys `atom_count` and `geometry.atom_count` whose value is a number other than
+// 0; otherwise the size of the geometry. 0: unknown.
 std::uint64_t read_atom_count(const TaskDir& task);
 
 }  // namespace vqvec

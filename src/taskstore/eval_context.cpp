@@ -1,13 +1,23 @@
 #include "taskstore/eval_context.hpp"
 
+#include "dsl/lexical.hpp"
+
 namespace vqvec {
 
 void EvalContext::add_used_task(std::string_view task_text) {
   if (is_used_.contains(task_text)) {
     return;
   }
-  used_tasks_.push_back(task_text);  // first: should memory run out now, no task may be missing
+  used_tasks_.push_back(task_text);  // first, so that no task is missing if memory runs out now
   is_used_.insert(task_text);
+}
+
+const TaskDir& resolve_task(EvalContext& context, std::string_view text) {
+  const std::string_view name = trim(text);
+  const auto known = context.tasks_.find(name);
+  return known != context.tasks_.end()
+             ? known->second
+             : context.tasks_.emplace(name, read_task_dir(name)).first->second;
 }
 
 }  // namespace vqvec

@@ -1,10 +1,11 @@
-// What the parts of one run share: the tasks read so far and which of them vectors came from.
+// The state that the parts of one run share: the tasks read so far, and the tasks whose vectors
+// were used.
 #ifndef VQVEC_TASKSTORE_EVAL_CONTEXT_HPP
 #define VQVEC_TASKSTORE_EVAL_CONTEXT_HPP
 
+#include <map>
+#include <set>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "dsl/text_pool.hpp"
@@ -12,24 +13,27 @@
 
 namespace vqvec {
 
-// Task texts are kept as views: they come from the statement, which outlives the context, or are
-// kept in `texts`.
+// Task texts are kept as views: they come from the statement, which outlives the context, or from
+// `texts`.
 class EvalContext {
  public:
   // The tasks from which vectors were loaded, in order of first use, without duplicates.
   const std::vector<std::string_view>& used_tasks() const { return used_tasks_; }
   void add_used_task(std::string_view task_text);
 
-  // The entry of a trimmed task text, made empty on first use. Entries never move.
-  TaskDir& task(std::string_view trimmed_text) { return tasks_[trimmed_text]; }
-
   TextPool texts;
 
  private:
-  std::unordered_map<std::string_view, TaskDir> tasks_;
+  friend const TaskDir& resolve_task(EvalContext& context, std::string_view text);
+
+  std::map<std::string_view, TaskDir> tasks_;  // by trimmed task text
   std::vector<std::string_view> used_tasks_;
-  std::unordered_set<std::string_view> is_used_;
+  std::set<std::string_view> is_used_;
 };
+
+// The task of the trimmed text, read on first use and never again. The reference is valid as long
+// as the context. Fails only as read_task_dir does, and keeps nothing then.
+const TaskDir& resolve_task(EvalContext& context, std::string_view text);
 
 }  // namespace vqvec
 

@@ -15,13 +15,13 @@ constexpr bool is_sign(char c) {
   return c == '+' || c == '-';
 }
 
-// How many bytes at the front of the text a stream would gather for one number. They need not make
+// How many bytes at the front of the text a stream would collect for one number. They may not form
 // a number.
 std::size_t number_length(std::string_view text) {
   bool has_digit = false;
   bool has_point = false;
   bool has_exponent = false;
-  bool may_be_sign = true;  // here the number or its exponent begins
+  bool may_be_sign = true;  // at the start of the number or of its exponent
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
     const bool is_point = c == '.' && !has_point && !has_exponent;
@@ -49,7 +49,7 @@ std::string_view FieldReader::read_word() {
 
 std::optional<double> FieldReader::read_number() {
   skip_space();
-  // Most numbers are plain and end at white space; then there is nothing to find out.
+  // Most numbers are plain and end at white space.
   if (const auto plain = read_plain_decimal(rest_);
       plain && (plain->length == rest_.size() || is_space(rest_[plain->length]))) {
     rest_.remove_prefix(plain->length);

@@ -11,14 +11,17 @@ class FieldReader {
  public:
   explicit FieldReader(std::string_view line) : rest_(line) {}
 
-  // The bytes up to the next white space; empty at the end of the line.
+  // The bytes before the next white space; empty at the end of the line.
   std::string_view read_word();
 
-  // A decimal number. It ends where the next byte cannot continue it, and what follows is left to
-  // the next field: "1-2" is two numbers, "1D5" is 1 and then "D5". Nothing, as with a stream, for
-  // a number that breaks off ("1e"), for hexadecimal forms, inf and nan, and on overflow; what a
-  // stream would have taken until then is gone.
+  // A decimal number. It ends at the first byte that cannot continue it; the rest is left for the
+  // next field: "1-2" is two numbers, "1D5" is 1 and then "D5". Like a stream, it gives nothing for
+  // an incomplete number ("1e"), hexadecimal forms, inf, nan and on overflow, and consumes the
+  // bytes that a stream would consume.
   std::optional<double> read_number();
+
+  // The bytes not read yet.
+  std::string_view rest() const { return rest_; }
 
  private:
   void skip_space();

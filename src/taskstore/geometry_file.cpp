@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <optional>
-#include <string_view>
 
 #include "dsl/number.hpp"
 #include "taskstore/field_reader.hpp"
@@ -12,6 +12,9 @@
 namespace vqvec {
 namespace {
 
+// Bounds the memory for a line without end.
+constexpr std::size_t longest_line = std::size_t{256} * 1024 * 1024;
+
 // Nothing when the line does not begin with a symbol and three coordinates.
 std::optional<GeomAtom> parse_atom_line(std::string_view line) {
   FieldReader fields(line);
@@ -19,14 +22,15 @@ std::optional<GeomAtom> parse_atom_line(std::string_view line) {
   const auto x = fields.read_number();
   const auto y = x ? fields.read_number() : std::nullopt;
   const auto z = y ? fields.read_number() : std::nullopt;
-  if (!z) {
+  const bool may_be_cut = line.size() == longest_line && fields.rest().empty();
+  if (!z || may_be_cut) {
     return std::nullopt;
   }
   return GeomAtom{symbol, *x, *y, *z};
 }
 
-// How many atoms to make room for: a count is only a claim. Each atom takes 8 bytes of its file,
-// and a file without data can be of any size.
+// How many atoms to reserve memory for: the count is untrusted. Each atom takes at least 8 bytes of
+// its file, and a file of holes can have any size.
 std::size_t plausible_count(std::uint64_t count, std::uintmax_t file_size) {
   constexpr std::uintmax_t shortest_line = 8;
   constexpr std::uint64_t most = 4'000'000;
@@ -35,20 +39,59 @@ std::size_t plausible_count(std::uint64_t count, std::uintmax_t file_size) {
 
 }  // namespace
 
-std::vector<GeomAtom> read_xyz_geometry(const std::string& path) {
-  constexpr std::size_t count_words = 1;
-  constexpr std::size_t atom_words = 4;
+GeomAtom Geometry::operator[](std::size_t index) const {
+  const Position& position = positions_[index];
+  return {symbol(index), position.x, position.y, position.z};
+}
+
+std::string_view Geometry::symbol(std::size_t index) const {
+  const Symbol& symbol = symbols_[index];
+  if (symbol.size <= longest_in_place) {
+    return {reinterpret_cast<const char*>(symbol.bytes.data()), symbol.size};
+  }
+  std::uint32_t place = 0;
+  std::memcpy(&place, symbol.bytes.data(), sizeof place);
+  return long_symbols_[place];
+}
+
+void Geometry::reserve(std::size_t count) {
+  symbols_.reserve(count);
+  positions_.reserve(count);
+}
+
+void Geometry::push_back(const GeomAtom& atom) {
+  symbols_.push_back(make_symbol(atom.symbol));
+  positions_.push_back({atom.x, atom.y, atom.z});
+}
+
+Geometry::Symbol Geometry::make_symbol(std::string_view text) {
+  Symbol symbol{};
+  if (text.size() <= longest_in_place) {
+    std::copy(text.begin(), text.end(), symbol.bytes.begin());
+    symbol.size = static_cast<unsigned char>(text.size());
+    return symbol;
+  }
+  const auto place = static_cast<std::uint32_t>(long_symbols_.size());
+  long_symbols_.emplace_back(text);
+  std::memcpy(symbol.bytes.data(), &place, sizeof place);
+  symbol.size = longest_in_place + 1;
+  return symbol;
+}
+
+Geometry read_xyz_geometry(const std::string& path) {
   LineReader reader(path);
   std::string_view line;
-  if (!reader.next_line_start(count_words, line)) {
+  if (!reader.next_line(line, longest_line)) {
     return {};
   }
   const std::uint64_t count = read_count(line).value_or(0);
-  reader.skip_line();
-  std::vector<GeomAtom> atoms;
+  if (!reader.next_line(line, 0)) {  // the comment
+    return {};
+  }
+  Geometry atoms;
   atoms.reserve(plausible_count(count, reader.file_size()));
   while (atoms.size() < count) {
-    if (!reader.next_line_start(atom_words, line)) {
+    if (!reader.next_line(line, longest_line)) {
       return {};
     }
     const std::optional<GeomAtom> atom = parse_atom_line(line);

@@ -1,27 +1,62 @@
 // Reading the atoms of an XYZ or extended-XYZ file: the first frame, by the plain XYZ rules. The
-// second line and whatever follows the position columns are never looked at.
+// second line and all columns after the positions are ignored.
 #ifndef VQVEC_TASKSTORE_GEOMETRY_FILE_HPP
 #define VQVEC_TASKSTORE_GEOMETRY_FILE_HPP
 
+#include <array>
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include "taskstore/symbol.hpp"
 
 namespace vqvec {
 
 struct GeomAtom {
-  Symbol symbol;   // first column as written, not checked against any table of elements
-  double x = 0.0;  // position in the unit of the file, never converted
+  std::string_view symbol;  // first column as written, not checked against any table of elements
+  double x = 0.0;           // position in the unit of the file, never converted
   double y = 0.0;
   double z = 0.0;
 
   bool operator==(const GeomAtom&) const = default;
 };
 
+// A sequence of atoms. There may be millions, so each takes 32 bytes.
+class Geometry {
+ public:
+  bool empty() const { return positions_.empty(); }
+  std::size_t size() const { return positions_.size(); }
+
+  // The symbol is valid until the next atom is added.
+  GeomAtom operator[](std::size_t index) const;
+  std::string_view symbol(std::size_t index) const;
+
+  void reserve(std::size_t count);
+  void push_back(const GeomAtom& atom);
+
+ private:
+  static constexpr std::size_t longest_in_place = 7;
+
+  // The text, or the index of a longer one in long_symbols_.
+  struct Symbol {
+    std::array<unsigned char, longest_in_place> bytes;
+    unsigned char size;  // of a text kept in place, or one more than any
+  };
+  struct Position {
+    double x;
+    double y;
+    double z;
+  };
+
+  Symbol make_symbol(std::string_view text);
+
+  std::vector<Symbol> symbols_;
+  std::vector<Position> positions_;
+  std::vector<std::string> long_symbols_;
+};
+
 // In the order of the file. Empty when the file holds no usable geometry for any reason: the caller
 // goes on to its next candidate.
-std::vector<GeomAtom> read_xyz_geometry(const std::string& path);
+Geometry read_xyz_geometry(const std::string& path);
 
 }  // namespace vqvec
 

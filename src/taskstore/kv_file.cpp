@@ -16,7 +16,7 @@ void store_line(std::string_view raw, KvMap& pairs) {
   }
   const std::string_view key = trim(line.substr(0, equals));
   if (!key.empty()) {
-    pairs.assign(key, line.substr(equals + 1));  // not trimmed again: blanks are data
+    pairs.assign(key, line.substr(equals + 1));  // not trimmed again: spaces are data
   }
 }
 

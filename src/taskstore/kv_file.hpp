@@ -1,6 +1,6 @@
-// Reading key=value result files. Readers never fail on what a file holds: a missing file or a
-// malformed line just gives fewer pairs. Whoever needs a value reports its absence, because only
-// there is it known what for.
+// Reading key=value result files. Readers never fail because of a file's contents: a missing file
+// or a malformed line just yields fewer pairs. The consumer of a value reports its absence: only
+// the consumer knows its purpose.
 #ifndef VQVEC_TASKSTORE_KV_FILE_HPP
 #define VQVEC_TASKSTORE_KV_FILE_HPP
 
@@ -10,8 +10,8 @@
 
 namespace vqvec {
 
-// A key on several lines keeps its last value. Blanks around the line and the key are dropped,
-// those behind the '=' are part of the value.
+// A key on several lines keeps its last value. White space around the line and the key is dropped;
+// after the '=' it is part of the value.
 KvMap read_kv_file(const std::string& path);
 
 // Sets every pair of the file in `into`, replacing earlier values.

@@ -1,24 +1,128 @@
 #include "taskstore/kv_map.hpp"
 
-#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <system_error>
 
 namespace vqvec {
+namespace {
+
+constexpr std::string_view prefix = "atoms.";
+
+}  // namespace
+
+std::optional<AtomKey> parse_atom_key(std::string_view key) {
+  if (!key.starts_with(prefix)) {
+    return std::nullopt;
+  }
+  const char* const digits = key.data() + prefix.size();
+  const char* const end = key.data() + key.size();
+  if (digits != end && *digits == '0') {
+    return std::nullopt;
+  }
+  std::uint64_t atom = 0;
+  const auto [dot, error] = std::from_chars(digits, end, atom);
+  if (error != std::errc() || dot == end || *dot != '.') {
+    return std::nullopt;
+  }
+  return AtomKey{atom, {dot + 1, end}};
+}
+
+void AtomColumn::add(std::uint64_t atom, std::string_view value, TextArena& arena) {
+  if (atom - 1 > leading_.size()) {
+    beyond_gap_[atom].assign(value, arena);
+    return;
+  }
+  leading_.emplace_back().assign(value, arena);
+  if (!beyond_gap_.empty()) {
+    close_gap();
+  }
+}
+
+// Moves the values that no longer lie beyond a gap.
+void AtomColumn::close_gap() {
+  auto next = beyond_gap_.begin();
+  while (next != beyond_gap_.end() && next->first == leading_.size() + 1) {
+    leading_.push_back(next->second);
+    next = beyond_gap_.erase(next);
+  }
+}
+
+std::optional<std::string_view> AtomColumn::find(std::uint64_t atom) const {
+  if (atom - 1 < leading_.size()) {
+    return leading_[atom - 1].text();
+  }
+  const auto found = beyond_gap_.find(atom);
+  return found == beyond_gap_.end() ? std::nullopt : std::optional(found->second.text());
+}
+
+void ExpectedAtomKey::expect_after(const AtomKey& key) {
+  atom_ = key.atom;
+  text_ = prefix;
+  text_ += std::to_string(atom_);
+  last_digit_ = text_.size() - 1;
+  text_ += '.';
+  text_ += key.property;
+  advance();
+}
+
+void ExpectedAtomKey::advance() {
+  if (atom_ == std::numeric_limits<std::uint64_t>::max()) {
+    return;  // there is no next atom: the same key again
+  }
+  ++atom_;
+  std::size_t digit = last_digit_;
+  for (; text_[digit] == '9'; --digit) {
+    text_[digit] = '0';
+  }
+  if (digit < prefix.size()) {
+    text_.insert(prefix.size(), 1, '1');
+    ++last_digit_;
+  } else {
+    ++text_[digit];
+  }
+}
 
 void KvMap::assign(std::string_view key, std::string_view value) {
-  Column* const guess = expected_column();
-  if (guess != nullptr && key == guess->expected_key.text()) {
-    guess->values.assign(guess->expected_key.atom(), value, texts_);
-    guess->expected_key.advance();
-    latest_ = guess;
-  } else if (const auto atom_key = parse_atom_key(key)) {
-    Column& column = find_or_add_column(atom_key->property);
-    column.values.assign(atom_key->atom, value, texts_);
-    column.expected_key.expect_after(*atom_key);
-    if (latest_ != nullptr) {
-      latest_->next = &column;
+  if (latest_ < columns_.size()) {
+    const std::size_t guess = columns_[latest_].next;
+    Column& column = columns_[guess];
+    if (key == column.expected_key.text()) {
+      column.values.assign(column.expected_key.atom(), value, texts_);
+      column.expected_key.advance();
+      latest_ = guess;
+      return;
     }
-    latest_ = &column;
-  } else if (const auto found = scalars_.find(key); found != scalars_.end()) {
+  }
+  if (const std::optional<AtomKey> atom_key = parse_atom_key(key)) {
+    assign_atom(*atom_key, value);
+  } else {
+    assign_scalar(key, value);
+  }
+}
+
+void KvMap::assign_atom(const AtomKey& key, std::string_view value) {
+  const std::size_t index = find_or_add_column(key.property);
+  if (latest_ < columns_.size()) {
+    columns_[latest_].next = index;
+  }
+  latest_ = index;
+  columns_[index].values.assign(key.atom, value, texts_);
+  columns_[index].expected_key.expect_after(key);
+}
+
+std::size_t KvMap::find_or_add_column(std::string_view property) {
+  auto found = column_index_.find(property);
+  if (found == column_index_.end()) {
+    found = column_index_.emplace(property, columns_.size()).first;
+    columns_.emplace_back();
+  }
+  return found->second;
+}
+
+void KvMap::assign_scalar(std::string_view key, std::string_view value) {
+  const auto found = scalars_.find(key);
+  if (found != scalars_.end()) {
     found->second = value;
   } else {
     scalars_.emplace(key, value);
@@ -26,7 +130,7 @@ void KvMap::assign(std::string_view key, std::string_view value) {
 }
 
 std::optional<std::string_view> KvMap::find(std::string_view key) const {
-  if (const auto atom_key = parse_atom_key(key)) {
+  if (const std::optional<AtomKey> atom_key = parse_atom_key(key)) {
     const AtomColumn* const column = find_column(atom_key->property);
     return column == nullptr ? std::nullopt : column->find(atom_key->atom);
   }
@@ -35,25 +139,8 @@ std::optional<std::string_view> KvMap::find(std::string_view key) const {
 }
 
 const AtomColumn* KvMap::find_column(std::string_view property) const {
-  const auto found = columns_.find(property);
-  return found == columns_.end() ? nullptr : &found->second.values;
-}
-
-std::vector<std::pair<std::string, std::string>> KvMap::pairs() const {
-  std::vector<std::pair<std::string, std::string>> all(scalars_.begin(), scalars_.end());
-  for (const auto& [property, column] : columns_) {
-    for (const auto& [atom, value] : column.values.entries()) {
-      all.emplace_back(atom_key_text({atom, property}), value);
-    }
-  }
-  std::sort(all.begin(), all.end());
-  return all;
-}
-
-KvMap::Column& KvMap::find_or_add_column(std::string_view property) {
-  const auto found = columns_.find(property);
-  return found != columns_.end() ? found->second
-                                 : columns_.emplace(property, Column()).first->second;
+  const auto found = column_index_.find(property);
+  return found == column_index_.end() ? nullptr : &columns_[found->second].values;
 }
 
 }  // namespace vqvec

@@ -1,22 +1,81 @@
 // The data of a task: unique keys, each with a value that stays text until a consumer parses it.
-// Seen from outside it is an ordered map; inside, per-atom keys (`atoms.N.<property>`), which come
-// by the million, are kept as one column per property and never built or compared as texts.
+// Behaves like an ordered map; per-atom keys, of which there may be millions, are stored as one
+// column per property.
 #ifndef VQVEC_TASKSTORE_KV_MAP_HPP
 #define VQVEC_TASKSTORE_KV_MAP_HPP
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-#include "taskstore/atom_column.hpp"
-#include "taskstore/atom_key.hpp"
 #include "taskstore/text_arena.hpp"
 
 namespace vqvec {
+
+// A per-atom key, `atoms.N.<property>`. N is any 64-bit number from 1, without leading zeros; the
+// property may be empty.
+struct AtomKey {
+  std::uint64_t atom;
+  std::string_view property;
+};
+
+// Nothing for a key of any other form.
+std::optional<AtomKey> parse_atom_key(std::string_view key);
+
+// The values of one property, by atom. Any 64-bit number from 1 is accepted, in any order; files
+// usually list the atoms as 1, 2, 3, ...
+class AtomColumn {
+ public:
+  // A later value of the same atom replaces the earlier one. The text is stored in the arena, which
+  // must be the same in every call, and outlive the column.
+  void assign(std::uint64_t atom, std::string_view value, TextArena& arena) {
+    if (atom - 1 < leading_.size()) {
+      leading_[atom - 1].assign(value, arena);
+    } else {
+      add(atom, value, arena);
+    }
+  }
+
+  // Nothing when the atom has no value. The view is valid until the next assignment.
+  std::optional<std::string_view> find(std::uint64_t atom) const;
+
+  // The number of values before the first gap: those of atoms 1, 2, 3, ...
+  std::size_t leading_size() const { return leading_.size(); }
+
+ private:
+  friend class KvPairs;
+
+  void add(std::uint64_t atom, std::string_view value, TextArena& arena);
+  void close_gap();
+
+  std::vector<ValueText> leading_;
+  std::map<std::uint64_t, ValueText> beyond_gap_;
+};
+
+// A guess at the key of the next value of a column, since files list atoms in order. Comparing a
+// key with it is cheaper than parsing the key.
+class ExpectedAtomKey {
+ public:
+  // Expects the key of the atom after `key`.
+  void expect_after(const AtomKey& key);
+
+  // Expects the key of the atom after the expected one.
+  void advance();
+
+  // Empty until something is expected; otherwise always the key of atom().
+  const std::string& text() const { return text_; }
+  std::uint64_t atom() const { return atom_; }
+
+ private:
+  std::string text_;
+  std::size_t last_digit_ = 0;  // of the atom, in the text
+  std::uint64_t atom_ = 0;
+};
 
 class KvMap {
  public:
@@ -29,25 +88,24 @@ class KvMap {
   // The column of the keys `atoms.N.<property>`; null when there is no such key.
   const AtomColumn* find_column(std::string_view property) const;
 
-  // All pairs in bytewise order of their keys.
-  std::vector<std::pair<std::string, std::string>> pairs() const;
-
  private:
-  // A column knows which one was assigned to after it the last time: files list the properties of
-  // an atom in the same order for every atom.
+  friend class KvPairs;  // lists all pairs in the order of their keys, for the tests
+
   struct Column {
     AtomColumn values;
     ExpectedAtomKey expected_key;
-    Column* next = nullptr;
+    std::size_t next = 0;  // the column that was assigned to after this one the last time
   };
 
-  Column* expected_column() const { return latest_ == nullptr ? nullptr : latest_->next; }
-  Column& find_or_add_column(std::string_view property);
+  void assign_atom(const AtomKey& key, std::string_view value);
+  void assign_scalar(std::string_view key, std::string_view value);
+  std::size_t find_or_add_column(std::string_view property);
 
   TextArena texts_;
-  std::map<std::string, std::string, std::less<>> scalars_;  // keys of any other form
-  std::map<std::string, Column, std::less<>> columns_;
-  Column* latest_ = nullptr;  // that was assigned to
+  std::map<std::string, std::string, std::less<>> scalars_;       // keys of any other form
+  std::vector<Column> columns_;                                   // in order of appearance
+  std::map<std::string, std::size_t, std::less<>> column_index_;  // by property
+  std::size_t latest_ = 0;                                        // the column last assigned to
 };
 
 }  // namespace vqvec

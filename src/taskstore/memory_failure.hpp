@@ -7,9 +7,9 @@
 
 namespace vqvec {
 
-// A file or directory that can't be asked or opened counts as absent; but not when memory was what
-// lacked, or a result could be made of half the data. Throws std::bad_alloc then.
-inline void require_memory(const std::error_code& error) {
+// A file or directory that cannot be examined or opened is treated as absent, unless memory ran
+// out: a result from half the data would look valid. Throws std::bad_alloc in that case.
+inline void throw_if_out_of_memory(const std::error_code& error) {
   if (error == std::errc::not_enough_memory) {
     throw std::bad_alloc();
   }

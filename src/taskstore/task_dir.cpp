@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "dsl/lexical.hpp"
-#include "taskstore/eval_context.hpp"
 #include "taskstore/kv_file.hpp"
 #include "taskstore/memory_failure.hpp"
 
@@ -14,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Merged in this order, so that the user's own values are the strongest.
+// In the order of merging: the user's own values override all others.
 constexpr std::string_view kv_file_names[] = {
     ".vorq.result.kv",
     ".vorq.values.kv",
@@ -22,7 +23,7 @@ constexpr std::string_view kv_file_names[] = {
     ".vorq.values.user.kv",
 };
 
-bool names_working_directory(std::string_view name) {
+bool is_working_directory_name(std::string_view name) {
   if (name.empty() || name == ".") {
     return true;
   }
@@ -31,8 +32,8 @@ bool names_working_directory(std::string_view name) {
   return word == "self" || word == "current";
 }
 
-// What `base / name` of the file system library gives, without taking both apart: tasks come by the
-// ten thousand.
+// The same as `base / name` with filesystem paths, without parsing both: there may be thousands of
+// tasks.
 std::string join(const std::string& base, std::string_view name) {
   if (base.empty() || name.starts_with('/')) {
     return std::string(name);
@@ -44,36 +45,38 @@ std::string join(const std::string& base, std::string_view name) {
 }
 
 bool is_directory(const std::string& base, std::string_view name) {
-  constexpr std::size_t longest_path = 4096;  // no system takes more, so it need not be asked
+  constexpr std::size_t longest_path = 4096;  // no system accepts more
   if (base.size() + name.size() > longest_path) {
     return false;
   }
   std::error_code error;
   const bool is_there = fs::is_directory(join(base, name), error);
-  require_memory(error);
+  throw_if_out_of_memory(error);
   return is_there;
 }
 
-// Sets the base of a named task, and says whether the directory exists. Siblings of the working
-// directory win over its children; a name that is nowhere stands for a sibling.
-bool choose_base(TaskDir& task) {
+struct Place {
+  std::string base;
+  bool is_there;
+};
+
+// Siblings of the working directory win over its children; a name found nowhere resolves to the
+// missing sibling.
+Place find_place(std::string_view name) {
   const fs::path working_directory = fs::current_path();
-  if (names_working_directory(task.name)) {
-    task.base = working_directory.string();
-    return true;
+  if (is_working_directory_name(name)) {
+    return {working_directory.string(), true};
   }
   const std::string siblings = working_directory.parent_path().string();
   for (const std::string& base : {siblings, working_directory.string(), std::string()}) {
-    if (is_directory(base, task.name)) {
-      task.base = base;
-      return true;
+    if (is_directory(base, name)) {
+      return {base, true};
     }
   }
-  task.base = siblings;
-  return false;
+  return {siblings, false};
 }
 
-// Lower-cased, from the last dot on; none when the name begins with its only dot.
+// Lower-cased, from the last dot; none if that dot begins the name.
 std::string extension_of(std::string_view name) {
   const auto dot = name.rfind('.');
   return dot == 0 || dot == std::string_view::npos ? std::string() : to_lower(name.substr(dot));
@@ -82,17 +85,17 @@ std::string extension_of(std::string_view name) {
 bool is_regular_file(const fs::directory_entry& entry) {
   std::error_code error;
   const bool is_file = entry.is_regular_file(error);
-  require_memory(error);
+  throw_if_out_of_memory(error);
   return is_file;
 }
 
-// The files that may hold the geometry, the best first. Only `.xyz` files can be preferred.
+// The files that may contain the geometry, in order of preference.
 std::vector<std::string> list_geometry_files(const std::string& dir) {
   std::vector<std::string> preferred;
   std::vector<std::string> ordinary;
   std::error_code error;
   const fs::directory_iterator entries(dir, error);
-  require_memory(error);  // else a directory that can't be listed has no geometry
+  throw_if_out_of_memory(error);  // otherwise a directory that cannot be listed has no geometry
   for (const fs::directory_entry& entry : entries) {
     const std::string& path = entry.path().native();
     const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
@@ -109,9 +112,9 @@ std::vector<std::string> list_geometry_files(const std::string& dir) {
   return preferred;
 }
 
-std::vector<GeomAtom> read_first_geometry(const std::string& dir) {
+Geometry read_first_geometry(const std::string& dir) {
   for (const std::string& path : list_geometry_files(dir)) {
-    std::vector<GeomAtom> atoms = read_xyz_geometry(path);
+    Geometry atoms = read_xyz_geometry(path);
     if (!atoms.empty()) {
       return atoms;
     }
@@ -119,30 +122,23 @@ std::vector<GeomAtom> read_first_geometry(const std::string& dir) {
   return {};
 }
 
-void load(TaskDir& task) {
-  if (choose_base(task)) {
-    const std::string dir = task.dir();
-    for (const std::string_view name : kv_file_names) {
-      merge_kv_file(task.kv, dir + '/' + std::string(name));
-    }
-    task.atoms = read_first_geometry(dir);
-  }
-  task.loaded = true;
-}
-
 }  // namespace
 
 std::string TaskDir::dir() const {
-  return names_working_directory(name) ? base : join(base, name);
+  return is_working_directory_name(name) ? base : join(base, name);
 }
 
-const TaskDir& resolve_task(EvalContext& context, std::string_view text) {
-  const std::string_view name = trim(text);
-  TaskDir& task = context.task(name);
-  if (!task.loaded) {
-    task = TaskDir{};  // whatever an earlier, failed attempt left
-    task.name = name;
-    load(task);
+TaskDir read_task_dir(std::string_view name) {
+  Place place = find_place(name);
+  TaskDir task;
+  task.name = name;
+  task.base = std::move(place.base);
+  if (place.is_there) {
+    const std::string dir = task.dir();
+    for (const std::string_view file_name : kv_file_names) {
+      merge_kv_file(task.kv, dir + '/' + std::string(file_name));
+    }
+    task.atoms = read_first_geometry(dir);
   }
   return task;
 }

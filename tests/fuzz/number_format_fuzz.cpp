@@ -7,9 +7,9 @@
 #include <string>
 
 #include "dsl/number.hpp"
+#include "output/number_format.hpp"
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
-#include "output/number_format.hpp"
 
 namespace vqvec {
 namespace {

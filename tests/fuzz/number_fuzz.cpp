@@ -9,10 +9,10 @@
 #include <string>
 
 #include "dsl/number.hpp"
-#include "tests/fuzz/input.hpp"
-#include "tests/reference/files.hpp"
-#include "tests/fuzz/require.hpp"
 #include "taskstore/field_reader.hpp"
+#include "tests/fuzz/input.hpp"
+#include "tests/fuzz/require.hpp"
+#include "tests/reference/files.hpp"
 
 namespace vqvec {
 namespace {

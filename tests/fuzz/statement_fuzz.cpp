@@ -1,8 +1,8 @@
 // Any text as a statement: the same fields, or the same message, as by the plain rules.
 #include "dsl/statement.hpp"
 #include "tests/fuzz/input.hpp"
-#include "tests/reference/statement.hpp"
 #include "tests/fuzz/require.hpp"
+#include "tests/reference/statement.hpp"
 
 namespace vqvec {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "eval/task_glob.hpp"
 #include "tests/fuzz/input.hpp"
-#include "tests/reference/lexing.hpp"
 #include "tests/fuzz/require.hpp"
+#include "tests/reference/lexing.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text = vqvec::text_of(data, size);

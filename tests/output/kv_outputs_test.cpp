@@ -9,6 +9,7 @@
 
 #include "taskstore/kv_file.hpp"
 #include "tests/output/environment.hpp"
+#include "tests/support/kv_pairs.hpp"
 #include "tests/support/scratch_dir.hpp"
 
 namespace vqvec {
@@ -67,7 +68,7 @@ TEST(ValuesText, ReadsBackAsTheKeysOfATask) {
       dir.write("v.kv", values_text("q", {9, 9, 9}) + values_text("q", {0.5, -2}));
   const std::vector<std::pair<std::string, std::string>> expected = {
       {"atoms.1.q", "0.5"}, {"atoms.2.q", "-2"}, {"atoms.3.q", "9"}};
-  EXPECT_EQ(read_kv_file(path).pairs(), expected);
+  EXPECT_EQ(pairs_of(read_kv_file(path)), expected);
 }
 
 // Snapshot

@@ -1,5 +1,3 @@
-#include "taskstore/atom_column.hpp"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +9,9 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "taskstore/kv_map.hpp"
+#include "tests/support/kv_pairs.hpp"
 
 namespace vqvec {
 namespace {
@@ -65,8 +66,7 @@ class AssignedColumn : public testing::TestWithParam<AssignCase> {
 };
 
 TEST_P(AssignedColumn, ListsItsAtomsInOrder) {
-  const auto entries = column_.entries();
-  EXPECT_EQ(Assignments(entries.begin(), entries.end()), GetParam().expected);
+  EXPECT_EQ(entries_of(column_), GetParam().expected);
 }
 
 TEST_P(AssignedColumn, FindsEveryAtom) {
@@ -127,9 +127,7 @@ TEST(AtomColumn, ListsAnAtomOnceThatWasBehindAGapAtALookUp) {
   column.assign(1, "a", arena);
   column.assign(2, "new", arena);
   column.assign(3, "c", arena);
-  const auto entries = column.entries();
-  EXPECT_EQ(Assignments(entries.begin(), entries.end()),
-            (Assignments{{1, "a"}, {2, "new"}, {3, "c"}, {4, "d"}}));
+  EXPECT_EQ(entries_of(column), (Assignments{{1, "a"}, {2, "new"}, {3, "c"}, {4, "d"}}));
 }
 
 // Small numbers come often enough to fill and close gaps.
@@ -170,9 +168,7 @@ TEST(AtomColumn, BehavesAsAnOrderedMapOfItsAtoms) {
                                           : std::optional<std::string_view>(found->second));
       }
     }
-    const auto entries = column.entries();
-    ASSERT_EQ(Assignments(entries.begin(), entries.end()),
-              Assignments(expected.begin(), expected.end()))
+    ASSERT_EQ(entries_of(column), Assignments(expected.begin(), expected.end()))
         << "round " << round;
     for (const auto& [atom, value] : expected) {
       ASSERT_EQ(column.find(atom), value);

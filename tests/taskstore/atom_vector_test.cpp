@@ -471,7 +471,9 @@ TEST_P(AtomCount, IsTheFirstThatIsKnown) {
   for (const auto& [key, value] : GetParam().pairs) {
     task.kv.assign(key, value);
   }
-  task.atoms.resize(GetParam().geometry_size);
+  for (std::size_t i = 0; i < GetParam().geometry_size; ++i) {
+    task.atoms.push_back({"H", 0, 0, 0});
+  }
   EXPECT_EQ(read_atom_count(task), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(Tasks, AtomCount, testing::ValuesIn(count_cases),

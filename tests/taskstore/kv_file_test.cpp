@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/kv_pairs.hpp"
 #include "tests/support/scratch_dir.hpp"
 #include "tests/taskstore/write_anew.hpp"
 
@@ -101,7 +102,7 @@ class ReadKvFile : public testing::TestWithParam<ReadCase> {};
 
 TEST_P(ReadKvFile, GivesExactlyThesePairs) {
   const ScratchDir dir;
-  EXPECT_EQ(read_kv_file(dir.write("in.kv", GetParam().text)).pairs(), GetParam().expected);
+  EXPECT_EQ(pairs_of(read_kv_file(dir.write("in.kv", GetParam().text))), GetParam().expected);
 }
 
 TEST_P(ReadKvFile, GivesTheSamePairsWithCrLfLineEnds) {
@@ -110,7 +111,7 @@ TEST_P(ReadKvFile, GivesTheSamePairsWithCrLfLineEnds) {
     text += c == '\n' ? "\r\n"s : std::string(1, c);
   }
   const ScratchDir dir;
-  EXPECT_EQ(read_kv_file(dir.write("in.kv", text)).pairs(), GetParam().expected);
+  EXPECT_EQ(pairs_of(read_kv_file(dir.write("in.kv", text))), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(Lines, ReadKvFile, testing::ValuesIn(read_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -120,45 +121,45 @@ TEST(ReadKvFileOf, ALineOfMegabytesGivesItWhole) {
   const std::string value(3'000'000, 'v');
   const ScratchDir dir;
   const std::string path = dir.write("in.kv", "a=1\n" + key + "=" + value + "\nz=2\n");
-  EXPECT_EQ(read_kv_file(path).pairs(), (Pairs{{"a", "1"}, {key, value}, {"z", "2"}}));
+  EXPECT_EQ(pairs_of(read_kv_file(path)), (Pairs{{"a", "1"}, {key, value}, {"z", "2"}}));
 }
 
 // Files that are not there
 
 TEST(ReadKvFileOf, AMissingFileGivesNothing) {
   const ScratchDir dir;
-  EXPECT_EQ(read_kv_file(dir.path_of("none.kv")).pairs(), Pairs());
-  EXPECT_EQ(read_kv_file(dir.path_of("none/none.kv")).pairs(), Pairs());
-  EXPECT_EQ(read_kv_file("").pairs(), Pairs());
+  EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("none.kv"))), Pairs());
+  EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("none/none.kv"))), Pairs());
+  EXPECT_EQ(pairs_of(read_kv_file("")), Pairs());
 }
 
 TEST(ReadKvFileOf, ADirectoryGivesNothing) {
   const ScratchDir dir;
-  EXPECT_EQ(read_kv_file(dir.path().string()).pairs(), Pairs());
+  EXPECT_EQ(pairs_of(read_kv_file(dir.path().string())), Pairs());
 }
 
 TEST(ReadKvFileOf, ADanglingLinkGivesNothing) {
   const ScratchDir dir;
   std::filesystem::create_symlink("none", dir.path() / "link.kv");
-  EXPECT_EQ(read_kv_file(dir.path_of("link.kv")).pairs(), Pairs());
+  EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("link.kv"))), Pairs());
 }
 
 TEST(ReadKvFileOf, ALinkToAFileGivesTheFile) {
   const ScratchDir dir;
   dir.write("file.kv", "k=v\n");
   std::filesystem::create_symlink("file.kv", dir.path() / "link.kv");
-  EXPECT_EQ(read_kv_file(dir.path_of("link.kv")).pairs(), (Pairs{{"k", "v"}}));
+  EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("link.kv"))), (Pairs{{"k", "v"}}));
 }
 
 TEST(ReadKvFileOf, AFifoGivesNothingAndDoesNotWait) {
   const ScratchDir dir;
   ASSERT_EQ(mkfifo(dir.path_of("fifo.kv").c_str(), 0600), 0);
-  EXPECT_EQ(read_kv_file(dir.path_of("fifo.kv")).pairs(), Pairs());
+  EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("fifo.kv"))), Pairs());
 }
 
 TEST(ReadKvFileOf, ANameOutsideAsciiGivesTheFile) {
   const ScratchDir dir;
-  EXPECT_EQ(read_kv_file(dir.write("電荷 é.kv", "k=v\n")).pairs(), (Pairs{{"k", "v"}}));
+  EXPECT_EQ(pairs_of(read_kv_file(dir.write("電荷 é.kv", "k=v\n"))), (Pairs{{"k", "v"}}));
 }
 
 // Merging
@@ -191,7 +192,7 @@ TEST_P(MergeKvFiles, LetsTheLaterFileWin) {
   for (const std::string& text : GetParam().files) {
     merge_kv_file(merged, dir.write("in.kv", text));
   }
-  EXPECT_EQ(merged.pairs(), GetParam().expected);
+  EXPECT_EQ(pairs_of(merged), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(Files, MergeKvFiles, testing::ValuesIn(merge_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -201,7 +202,7 @@ TEST(MergeKvFile, LeavesTheMapWhenTheFileIsMissing) {
   KvMap merged;
   merged.assign("k", "v");
   merge_kv_file(merged, dir.path_of("none.kv"));
-  EXPECT_EQ(merged.pairs(), (Pairs{{"k", "v"}}));
+  EXPECT_EQ(pairs_of(merged), (Pairs{{"k", "v"}}));
 }
 
 // Against the rules in their plainest form
@@ -254,7 +255,7 @@ TEST(RandomKvFiles, AreReadByThePlainRules) {
   for (int i = 0; i < 6'000; ++i) {
     const std::string bytes = random_file(random);
     const auto expected = plain_read(bytes);
-    ASSERT_EQ(read_kv_file(write_anew(dir, "in.kv", bytes)).pairs(),
+    ASSERT_EQ(pairs_of(read_kv_file(write_anew(dir, "in.kv", bytes))),
               Pairs(expected.begin(), expected.end()))
         << "file [" << bytes << "]";
     pairs_read += expected.size();
@@ -274,7 +275,7 @@ TEST(RandomKvFiles, AreReadByThePlainRulesWhenTheyAreLong) {
       }
     }
     const auto expected = plain_read(bytes);
-    ASSERT_EQ(read_kv_file(write_anew(dir, "in.kv", bytes)).pairs(),
+    ASSERT_EQ(pairs_of(read_kv_file(write_anew(dir, "in.kv", bytes))),
               Pairs(expected.begin(), expected.end()))
         << "file " << i;
   }
@@ -289,7 +290,7 @@ TEST(RandomKvFiles, MergeAsOneFileBehindTheOther) {
     KvMap merged = read_kv_file(write_anew(dir, "first.kv", first));
     merge_kv_file(merged, write_anew(dir, "second.kv", second));
     const auto expected = plain_read(first + "\n" + second);
-    ASSERT_EQ(merged.pairs(), Pairs(expected.begin(), expected.end()))
+    ASSERT_EQ(pairs_of(merged), Pairs(expected.begin(), expected.end()))
         << "files [" << first << "] and [" << second << "]";
   }
 }

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/kv_pairs.hpp"
+
 namespace vqvec {
 namespace {
 
@@ -110,7 +112,7 @@ const std::vector<AssignCase> assign_cases = {
 class AssignedMap : public testing::TestWithParam<AssignCase> {};
 
 TEST_P(AssignedMap, ListsItsPairsInOrder) {
-  EXPECT_EQ(map_of(GetParam().assigned).pairs(), GetParam().expected);
+  EXPECT_EQ(pairs_of(map_of(GetParam().assigned)), GetParam().expected);
 }
 
 TEST_P(AssignedMap, FindsEachOfItsKeys) {
@@ -124,9 +126,20 @@ TEST_P(AssignedMap, KeepsItsPairsWhenItIsMoved) {
   KvMap map = map_of(GetParam().assigned);
   KvMap other = map_of({{"atoms.1.q", "old"}, {"other", "old"}});
   other = std::move(map);
-  EXPECT_EQ(other.pairs(), GetParam().expected);
+  EXPECT_EQ(pairs_of(other), GetParam().expected);
   other.assign("atoms.1.new", "1");
   EXPECT_EQ(other.find("atoms.1.new"), "1");
+}
+
+TEST_P(AssignedMap, CanBeUsedAgainAfterItWasMoved) {
+  KvMap map = map_of(GetParam().assigned);
+  const KvMap other = std::move(map);
+  const Pairs later = {{"atoms.1.p", "1"}, {"atoms.1.r", std::string(30, 'x')}, {"k", "v"}};
+  for (const auto& [key, value] : later) {
+    map.assign(key, value);  // NOLINT(bugprone-use-after-move)
+  }
+  EXPECT_EQ(pairs_of(map), later);
+  EXPECT_EQ(pairs_of(other), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(Maps, AssignedMap, testing::ValuesIn(assign_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -136,7 +149,7 @@ TEST(KvMap, HoldsTextsOfMegabytes) {
   const std::string long_value(3'000'000, 'v');
   const Pairs pairs = {{"atoms.1." + long_key, long_value}, {long_key, long_value}};
   const KvMap map = map_of(pairs);
-  EXPECT_EQ(map.pairs(), pairs);
+  EXPECT_EQ(pairs_of(map), pairs);
   EXPECT_EQ(map.find(long_key), long_value);
 }
 
@@ -187,7 +200,7 @@ TEST(KvMap, LooksOnlyAtTheBytesOfAKeyThatIsPartOfALongerText) {
   KvMap map;
   map.assign(number, "number");
   map.assign(property, "property");
-  EXPECT_EQ(map.pairs(), (Pairs{{"atoms.1", "number"}, {"atoms.1.q", "property"}}));
+  EXPECT_EQ(pairs_of(map), (Pairs{{"atoms.1", "number"}, {"atoms.1.q", "property"}}));
   EXPECT_EQ(map.find(number), "number");
   EXPECT_EQ(map.find(property), "property");
   EXPECT_EQ(map.find(empty_property), std::nullopt);
@@ -230,7 +243,7 @@ TEST(KvMap, TakesPropertiesInAnotherOrderForEveryAtom) {
                           {"atoms.2.a", "a2"}, {"atoms.2.b", "b2"}, {"atoms.2.c", "c2"},
                           {"atoms.3.a", "a3"}, {"atoms.3.b", "B3"}, {"atoms.3.c", "c3"},
                           {"atoms.3.d", "d3"}};
-  EXPECT_EQ(map.pairs(), expected);
+  EXPECT_EQ(pairs_of(map), expected);
 }
 
 // Against an ordered map
@@ -288,7 +301,7 @@ std::string random_value(std::mt19937_64& random) {
 }
 
 void expect_same(const KvMap& map, const std::map<std::string, std::string>& expected) {
-  ASSERT_EQ(map.pairs(), Pairs(expected.begin(), expected.end()));
+  ASSERT_EQ(pairs_of(map), Pairs(expected.begin(), expected.end()));
   for (const auto& [key, value] : expected) {
     ASSERT_EQ(map.find(key), value) << "key " << key;
   }

@@ -24,7 +24,7 @@ using std::string_literals::operator""s;
 
 using Lines = std::vector<std::string>;
 
-// Every line of the file; asks once more behind the end.
+// Every line of the file; tries once more after the end.
 Lines lines_of(const std::string& path) {
   LineReader reader(path);
   Lines lines;
@@ -34,24 +34,6 @@ Lines lines_of(const std::string& path) {
   }
   EXPECT_FALSE(reader.next_line(line));
   return lines;
-}
-
-// The words that next_line_start keeps of every line, parted by '|'.
-Lines line_starts_of(const std::string& path, std::size_t words) {
-  LineReader reader(path);
-  Lines starts;
-  std::string_view line;
-  while (reader.next_line_start(words, line)) {
-    std::istringstream fields{std::string(line)};
-    std::string start;
-    std::string word;
-    for (std::size_t i = 0; i < words && fields >> word; ++i) {
-      start += word + "|";
-    }
-    starts.push_back(start);
-  }
-  EXPECT_FALSE(reader.next_line_start(words, line));
-  return starts;
 }
 
 // Lines of small files
@@ -109,45 +91,29 @@ TEST_P(LineOfSize, IsReadWholeWithoutALineFeed) {
   EXPECT_EQ(lines_of(dir.write("in", line())), line().empty() ? Lines() : Lines{line()});
 }
 
-TEST_P(LineOfSize, LeavesTheLinesBehindItWhole) {
+TEST_P(LineOfSize, LeavesTheLinesAfterItWhole) {
   const ScratchDir dir;
   EXPECT_EQ(lines_of(dir.write("in", line() + "\nb\n\n" + line() + "\nc")),
             (Lines{line(), "b", "", line(), "c"}));
 }
 
-TEST_P(LineOfSize, StandsBehindOtherLines) {
+TEST_P(LineOfSize, FollowsOtherLines) {
   const ScratchDir dir;
   EXPECT_EQ(lines_of(dir.write("in", "short\n\n" + line() + "\n" + line() + "\n")),
             (Lines{"short", "", line(), line()}));
-}
-
-TEST_P(LineOfSize, KeepsItsFirstWords) {
-  const ScratchDir dir;
-  const std::string gap(GetParam(), ' ');
-  const std::string text = gap + "H" + gap + "1\t" + gap + "2\v3 4" + gap + "\nnext line\n" + gap;
-  EXPECT_EQ(line_starts_of(dir.write("in", text), 4), gap.empty()
-                                                          ? (Lines{"H1|2|3|4|", "next|line|"})
-                                                          : (Lines{"H|1|2|3|", "next|line|", ""}));
-}
-
-TEST_P(LineOfSize, KeepsALongFirstWord) {
-  const ScratchDir dir;
-  EXPECT_EQ(line_starts_of(dir.write("in", line() + " 1 2 3\n" + line()), 2),
-            line().empty() ? (Lines{"1|2|"}) : (Lines{line() + "|1|", line() + "|"}));
 }
 
 TEST_P(LineOfSize, IsPassedOver) {
   const ScratchDir dir;
   LineReader reader(dir.write("in", line() + "\nb\n" + line() + "\nc"));
   std::string_view text;
-  reader.skip_line();
+  ASSERT_TRUE(reader.next_line(text, 0));
   ASSERT_TRUE(reader.next_line(text));
   EXPECT_EQ(text, "b");
-  reader.skip_line();
-  ASSERT_TRUE(reader.next_line_start(1, text));
+  ASSERT_TRUE(reader.next_line(text, 0));
+  ASSERT_TRUE(reader.next_line(text));
   EXPECT_EQ(text, "c");
-  reader.skip_line();
-  reader.skip_line();
+  EXPECT_FALSE(reader.next_line(text, 0));
   EXPECT_FALSE(reader.next_line(text));
 }
 INSTANTIATE_TEST_SUITE_P(Sizes, LineOfSize,
@@ -156,29 +122,18 @@ INSTANTIATE_TEST_SUITE_P(Sizes, LineOfSize,
                                          65'537, 98'303, 98'304, 98'305, 131'072, 1'000'000),
                          [](const auto& one) { return std::to_string(one.param); });
 
-TEST(LineReader, KeepsOnlyTheFirstWordsOfALineTooLongForItsBuffer) {
+TEST(LineReader, KeepsOnlyTheBeginningOfALineTooLongForItsBuffer) {
   const ScratchDir dir;
-  const std::string text = "\t H" + std::string(40'000, ' ') + "1\t\v 2 3 4" + std::string(9, 'x');
+  const std::string text = "first" + std::string(100'000, '.') + "last";
   LineReader reader(dir.write("in", text + "\n" + text + "\n" + text));
   std::string_view line;
-  ASSERT_TRUE(reader.next_line_start(4, line));
-  EXPECT_EQ(line, "H 1 2 3");
-  ASSERT_TRUE(reader.next_line_start(1, line));
-  EXPECT_EQ(line, "H");
-  ASSERT_TRUE(reader.next_line_start(9, line));
-  EXPECT_EQ(line, "H 1 2 3 4xxxxxxxxx");
-  EXPECT_FALSE(reader.next_line_start(1, line));
-}
-
-TEST(LineReader, TellsALongLineOfBlanksFromTheEndOfTheFile) {
-  const ScratchDir dir;
-  LineReader reader(dir.write("in", std::string(100'000, ' ') + "\n" + std::string(100'000, '\t')));
-  std::string_view line;
-  ASSERT_TRUE(reader.next_line_start(4, line));
-  EXPECT_EQ(line, "");
-  ASSERT_TRUE(reader.next_line_start(4, line));
-  EXPECT_EQ(line, "");
-  EXPECT_FALSE(reader.next_line_start(4, line));
+  ASSERT_TRUE(reader.next_line(line, 6));
+  EXPECT_EQ(line, "first.");
+  ASSERT_TRUE(reader.next_line(line, 70'000));
+  EXPECT_EQ(line, text.substr(0, 70'000));
+  ASSERT_TRUE(reader.next_line(line, text.size()));
+  EXPECT_EQ(line, text);
+  EXPECT_FALSE(reader.next_line(line, 6));
 }
 
 TEST(LineReader, KnowsTheSizeOfItsFile) {
@@ -186,25 +141,6 @@ TEST(LineReader, KnowsTheSizeOfItsFile) {
   EXPECT_EQ(LineReader(dir.write("empty", "")).file_size(), 0U);
   EXPECT_EQ(LineReader(dir.write("in", "a\nbc\n")).file_size(), 5U);
   EXPECT_EQ(LineReader(dir.write("large", std::string(100'000, 'x'))).file_size(), 100'000U);
-}
-
-TEST(LineReader, TakesTheThreeWaysOfReadingInTurn) {
-  const ScratchDir dir;
-  const std::string lengthy = "first second" + std::string(70'000, '.');
-  LineReader reader(dir.write("in", "a\nb b\nc\n" + lengthy + " third\n" + lengthy + "\nd\n"));
-  std::string_view line;
-  ASSERT_TRUE(reader.next_line(line));
-  EXPECT_EQ(line, "a");
-  ASSERT_TRUE(reader.next_line_start(2, line));
-  EXPECT_EQ(line, "b b");
-  reader.skip_line();
-  ASSERT_TRUE(reader.next_line_start(1, line));
-  EXPECT_EQ(line, "first");
-  ASSERT_TRUE(reader.next_line(line));
-  EXPECT_EQ(line, lengthy);
-  ASSERT_TRUE(reader.next_line(line));
-  EXPECT_EQ(line, "d");
-  EXPECT_FALSE(reader.next_line(line));
 }
 
 // Files that have no lines
@@ -257,12 +193,10 @@ TEST_P(FileWithoutLines, IsNoFailure) {
   const ScratchDir dir;
   const std::string path = GetParam().make(dir);
   EXPECT_EQ(lines_of(path), Lines());
-  EXPECT_EQ(line_starts_of(path, 4), Lines());
   LineReader reader(path);
   EXPECT_EQ(reader.file_size(), 0U);
   std::string_view line;
-  reader.skip_line();
-  reader.skip_line();
+  EXPECT_FALSE(reader.next_line(line, 0));
   EXPECT_FALSE(reader.next_line(line));
 }
 INSTANTIATE_TEST_SUITE_P(Files, FileWithoutLines, testing::ValuesIn(odd_files),
@@ -286,7 +220,6 @@ TEST(LineReader, FindsNoLinesInAFileThatCannotBeRead) {
     GTEST_SKIP() << "no " << path << " here";
   }
   EXPECT_EQ(lines_of(path), Lines());
-  EXPECT_EQ(line_starts_of(path, 4), Lines());
 }
 
 TEST(LineReader, FollowsALinkToAFile) {
@@ -325,7 +258,7 @@ long peak_kilobytes() {
   return usage.ru_maxrss;
 }
 
-TEST(LineReader, NeedsNoMemoryForALineThatItPassesOver) {
+TEST(LineReader, NeedsNoMemoryForALineOfWhichNothingIsKept) {
   const ScratchDir dir;
   const std::string path = dir.write("in", "a\n");
   std::filesystem::resize_file(path, 100'000'000U);  // the second line, a hole of NULs
@@ -333,9 +266,9 @@ TEST(LineReader, NeedsNoMemoryForALineThatItPassesOver) {
   const long before = peak_kilobytes();
   LineReader reader(path);
   std::string_view line;
-  ASSERT_TRUE(reader.next_line_start(1, line));
+  ASSERT_TRUE(reader.next_line(line));
   EXPECT_EQ(line, "a");
-  reader.skip_line();
+  ASSERT_TRUE(reader.next_line(line, 0));
   ASSERT_TRUE(reader.next_line(line));
   EXPECT_EQ(line, "c");
   EXPECT_LT(peak_kilobytes() - before, 20'000);

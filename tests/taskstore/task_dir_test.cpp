@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "taskstore/eval_context.hpp"
+#include "tests/support/kv_pairs.hpp"
 #include "tests/taskstore/ordinary_user.hpp"
 #include "tests/taskstore/work_place.hpp"
 
@@ -27,7 +28,7 @@ std::string one_atom(const std::string& symbol) {
 
 // The symbol of a geometry of one atom.
 std::string only_symbol(const TaskDir& task) {
-  return task.atoms.size() == 1 ? std::string(task.atoms[0].symbol.text()) : "(no geometry)";
+  return task.atoms.size() == 1 ? std::string(task.atoms.symbol(0)) : "(no geometry)";
 }
 
 // The directory that a text stands for
@@ -108,7 +109,6 @@ TEST_P(TaskText, StandsForADirectory) {
   const TaskDir& task = resolve_task(context_, GetParam().text);
   EXPECT_EQ(task.dir(), work_.path_of(GetParam().expected_dir).string());
   EXPECT_EQ(task.kv.find("place"), GetParam().expected_place);
-  EXPECT_TRUE(task.loaded);
 }
 
 TEST_P(TaskText, WithoutBlanksAroundItIsTheName) {
@@ -218,9 +218,8 @@ TEST_P(SiblingsPlace, IsThatOfTheTaskWhenThereIsNoChild) {
   EvalContext context;
   const TaskDir& task = resolve_task(context, "scrf");
   EXPECT_EQ(task.dir(), work.path_of("job/scrf").string());
-  EXPECT_TRUE(task.kv.pairs().empty());
+  EXPECT_TRUE(pairs_of(task.kv).empty());
   EXPECT_TRUE(task.atoms.empty());
-  EXPECT_TRUE(task.loaded);
 }
 INSTANTIATE_TEST_SUITE_P(Places, SiblingsPlace, testing::ValuesIn(places_taken),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -263,9 +262,8 @@ TEST_P(ImpossibleText, IsNotThere) {
   const TaskDir& task = resolve_task(context, text);
   EXPECT_EQ(task.name, text);
   EXPECT_EQ(task.dir(), text[0] == '/' ? text : work.path_of("job").string() + "/" + text);
-  EXPECT_TRUE(task.kv.pairs().empty());
+  EXPECT_TRUE(pairs_of(task.kv).empty());
   EXPECT_TRUE(task.atoms.empty());
-  EXPECT_TRUE(task.loaded);
   EXPECT_EQ(&resolve_task(context, text), &task);
 }
 INSTANTIATE_TEST_SUITE_P(Texts, ImpossibleText, testing::ValuesIn(impossible_cases),
@@ -327,7 +325,7 @@ TEST_P(MergedData, FollowTheOrderOfTheFiles) {
     work.write(fs::path("job/scrf") / name, text);
   }
   EvalContext context;
-  EXPECT_EQ(resolve_task(context, "scrf").kv.pairs(), GetParam().expected);
+  EXPECT_EQ(pairs_of(resolve_task(context, "scrf").kv), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(Files, MergedData, testing::ValuesIn(merge_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -455,9 +453,11 @@ TEST(ResolveTask, KeepsAllAtomsOfTheGeometryInOrder) {
   work.write("job/scrf/last_opt.xyz",
              "3\nwater\nO 0.0 0.0 0.1173\nH 0.0 0.7572 -0.4692\nH 0.0 -0.7572 -0.4692\n");
   EvalContext context;
-  const std::vector<GeomAtom> expected = {
-      {"O", 0, 0, 0.1173}, {"H", 0, 0.7572, -0.4692}, {"H", 0, -0.7572, -0.4692}};
-  EXPECT_EQ(resolve_task(context, "scrf").atoms, expected);
+  const Geometry& atoms = resolve_task(context, "scrf").atoms;
+  ASSERT_EQ(atoms.size(), 3U);
+  EXPECT_EQ(atoms[0], (GeomAtom{"O", 0, 0, 0.1173}));
+  EXPECT_EQ(atoms[1], (GeomAtom{"H", 0, 0.7572, -0.4692}));
+  EXPECT_EQ(atoms[2], (GeomAtom{"H", 0, -0.7572, -0.4692}));
 }
 
 TEST(ResolveTask, FindsTheGeometryOfTheWorkingDirectory) {
@@ -500,7 +500,7 @@ TEST_P(IntruderInATask, IsPassedOver) {
   }
   EvalContext context;
   const TaskDir& task = resolve_task(context, "scrf");
-  EXPECT_EQ(task.kv.pairs(), (Pairs{{"k", "2"}}));
+  EXPECT_EQ(pairs_of(task.kv), (Pairs{{"k", "2"}}));
   EXPECT_EQ(only_symbol(task), "B");
 }
 INSTANTIATE_TEST_SUITE_P(Intruders, IntruderInATask, testing::ValuesIn(intruders),
@@ -551,7 +551,7 @@ TEST_F(Permissions, UnreadableKeyValueFileContributesNothing) {
   if (task == nullptr) {
     GTEST_SKIP() << "no ordinary user";
   }
-  EXPECT_EQ(task->kv.pairs(), (Pairs{{"k", "1"}}));
+  EXPECT_EQ(pairs_of(task->kv), (Pairs{{"k", "1"}}));
 }
 
 TEST_F(Permissions, UnreadableGeometryLosesToTheNext) {
@@ -567,7 +567,7 @@ TEST_F(Permissions, DirectoryThatCannotBeListedHasNoGeometry) {
   if (task == nullptr) {
     GTEST_SKIP() << "no ordinary user";
   }
-  EXPECT_EQ(task->kv.pairs(), (Pairs{{"k", "2"}}));
+  EXPECT_EQ(pairs_of(task->kv), (Pairs{{"k", "2"}}));
   EXPECT_EQ(only_symbol(*task), "(no geometry)");
 }
 
@@ -577,7 +577,7 @@ TEST_F(Permissions, DirectoryThatCannotBeEnteredHasNoData) {
     GTEST_SKIP() << "no ordinary user";
   }
   EXPECT_EQ(task->dir(), work_.path_of("job/scrf").string());
-  EXPECT_TRUE(task->kv.pairs().empty());
+  EXPECT_TRUE(pairs_of(task->kv).empty());
   EXPECT_EQ(only_symbol(*task), "(no geometry)");
 }
 
@@ -586,7 +586,7 @@ TEST_F(Permissions, DirectoryThatCanBeListedButNotEnteredHasNoData) {
   if (task == nullptr) {
     GTEST_SKIP() << "no ordinary user";
   }
-  EXPECT_TRUE(task->kv.pairs().empty());
+  EXPECT_TRUE(pairs_of(task->kv).empty());
   EXPECT_EQ(only_symbol(*task), "(no geometry)");
 }
 
@@ -615,7 +615,7 @@ TEST(ResolveTask, DoesNotSeeADirectoryThatIsMadeLater) {
   const TaskDir& task = resolve_task(context, "scrf");
   work.write("job/scrf/.vorq.result.kv", "k=1\n");
   EXPECT_EQ(&resolve_task(context, "scrf"), &task);
-  EXPECT_TRUE(task.kv.pairs().empty());
+  EXPECT_TRUE(pairs_of(task.kv).empty());
 }
 
 TEST(ResolveTask, GivesOneEntryForATextAndTheSameBetweenBlanks) {
