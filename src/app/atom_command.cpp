@@ -37,7 +37,7 @@ std::string join_with_separator(const std::vector<std::string>& list, std::strin
   return joined;
 }
 
-// Words that are no options make up the statement, unless --dsl gives one: then they are dropped.
+// Other words form the statement, unless --dsl gives one: then they are dropped.
 AtomCommandOptions scan_options(const std::vector<std::string>& arguments) {
   AtomCommandOptions options;
   std::vector<std::string> loose_words;
@@ -74,7 +74,7 @@ AtomVector evaluate_statement(const DslStatement& statement, EvalContext& contex
 }
 
 void run_checks(const DslStatement& statement, const AtomVector& result, EvalContext& context) {
-  for (std::size_t i = 0; i < statement.checks.size(); ++i) {  // a statement knows no other check
+  for (std::size_t i = 0; i < statement.checks.size(); ++i) {  // the only kind of check
     check_same_atoms(context, result.size());
   }
 }

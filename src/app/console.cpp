@@ -35,8 +35,8 @@ void write_line_end_and_flush(std::ostream& stream) {
 }
 
 void prepare_console() {
-  // Large enough for a message that repeats a whole command line. Static, since the message may be
-  // that memory has run out; what is never used of it costs nothing.
+  // Large enough for a message that repeats a whole command line. Static, since the message may
+  // report that memory ran out; untouched pages are never mapped.
   static char error_line[std::size_t{4} * 1024 * 1024];
   static_cast<void>(std::setvbuf(stderr, error_line, _IOFBF, sizeof error_line));
   std::cerr.unsetf(std::ios::unitbuf);

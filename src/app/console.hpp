@@ -1,4 +1,4 @@
-// What the program says on its two console streams.
+// Output on the two console streams.
 #ifndef VQVEC_APP_CONSOLE_HPP
 #define VQVEC_APP_CONSOLE_HPP
 
@@ -6,17 +6,17 @@
 
 namespace vqvec {
 
-// The usage text, on standard output. It names only the options that most need.
+// Prints the usage text on standard output. It names only the options that are needed most.
 void print_usage(const char* program_name);
 
-// "错误: " and the message as one line, on standard error.
+// Prints "错误: " and the message as one line on standard error.
 void print_error(const char* message);
 
-// Ends every line on standard error and the report line.
+// Ends each line on standard error and the report line.
 void write_line_end_and_flush(std::ostream& stream);
 
-// Makes an error line reach standard error in one write, and a failed write a failure that can be
-// reported instead of a signal. Called once, first of all.
+// Makes each error line a single write, and turns the signals of a failed write into failures that
+// can be reported. Called once, before anything else.
 void prepare_console();
 
 }  // namespace vqvec

@@ -1,10 +1,10 @@
-// The modes of the program.
+// The program's modes.
 #ifndef VQVEC_APP_DISPATCH_HPP
 #define VQVEC_APP_DISPATCH_HPP
 
 namespace vqvec {
 
-// Chooses by the first argument alone and returns the exit status. Throws what the mode throws.
+// The first argument alone chooses the mode. Returns the exit status; throws what the mode throws.
 int dispatch(int argc, char** argv);
 
 }  // namespace vqvec

@@ -1,17 +1,24 @@
 // The process entry: the one place where a failure becomes an error line and exit status 1.
 #include <cstdlib>
 #include <exception>
-#include <new>
 
 #include "app/console.hpp"
 #include "app/dispatch.hpp"
 
 namespace {
 
-// The standard library itself ends the process when memory runs out while it lists a directory, and
-// no longer knows why. That is a failure like any other; everything else comes to main's handler.
-[[noreturn]] void report_and_exit() {  // uncounted: script/torture comes here, without a profile
-  vqvec::print_error(std::bad_alloc().what());
+// libstdc++ terminates when an allocation fails inside its noexcept directory code.
+[[noreturn]] void report_and_exit() {  // coverage-exclude: script/torture comes here, unprofiled
+  try {
+    if (std::current_exception() != nullptr) {
+      throw;
+    }
+  } catch (const std::exception& failure) {
+    vqvec::print_error(failure.what());
+    std::_Exit(EXIT_FAILURE);
+  } catch (...) {  // NOLINT(bugprone-empty-catch)
+  }
+  vqvec::print_error(std::bad_exception().what());
   std::_Exit(EXIT_FAILURE);
 }
 

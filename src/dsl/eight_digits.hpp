@@ -1,6 +1,6 @@
-// Decimal digits taken eight at a time, as the bytes of one integer (the first digit is the lowest
-// byte). With a million atoms most of the time goes into digits, and one by one they take twice as
-// long.
+// Decimal digits handled eight at a time, as the bytes of one integer (the first digit is the
+// lowest byte). With a million atoms most of the time is spent on digits; one at a time takes twice
+// as long.
 #ifndef VQVEC_DSL_EIGHT_DIGITS_HPP
 #define VQVEC_DSL_EIGHT_DIGITS_HPP
 
@@ -10,11 +10,11 @@
 namespace vqvec::eight_digits {
 
 constexpr std::size_t count = 8;
-constexpr std::uint64_t limit = 100'000'000;  // of the numbers that eight digits can write
+constexpr std::uint64_t limit = 100'000'000;  // one more than eight digits can show
 
-// NOLINTBEGIN(readability-magic-numbers): places and powers of ten, and nothing but.
+// NOLINTBEGIN(readability-magic-numbers): only positions and powers of ten.
 
-// Eight characters in memory. Compilers make one instruction of each loop.
+// Eight characters in memory. Compilers turn each loop into one instruction.
 inline std::uint64_t load(const char* text) {
   std::uint64_t bytes = 0;
   for (std::size_t i = 0; i < count; ++i) {
@@ -28,7 +28,7 @@ inline void store(std::uint64_t bytes, char* text) {
   }
 }
 
-// Whether all are digits: '0' to '9' have a 3 as their upper half, also with 6 added.
+// True if all are digits: the upper half of '0' to '9' is 3, and still 3 when 6 is added.
 constexpr bool are_digits(std::uint64_t bytes) {
   constexpr std::uint64_t upper_halves = 0xF0F0F0F0F0F0F0F0;
   constexpr std::uint64_t sixes = 0x0606060606060606;
@@ -36,7 +36,7 @@ constexpr bool are_digits(std::uint64_t bytes) {
   return ((bytes & upper_halves) | (((bytes + sixes) & upper_halves) >> 4)) == threes;
 }
 
-// The number that eight digits write: neighbours are joined to pairs, pairs to fours, fours to all.
+// The value of eight digits: neighbours are joined into pairs, pairs into fours, fours into eight.
 constexpr std::uint64_t to_number(std::uint64_t bytes) {
   std::uint64_t parts = bytes & 0x0F0F0F0F0F0F0F0F;
   parts = (parts * 10 + (parts >> 8)) & 0x00FF00FF00FF00FF;
@@ -44,8 +44,8 @@ constexpr std::uint64_t to_number(std::uint64_t bytes) {
   return (parts * 10000 + (parts >> 32)) & 0xFFFFFFFF;
 }
 
-// The digits of a number below the limit, with leading zeros: the same, backwards. The two products
-// with a shift are quotients by 100 and by 10.
+// The digits of a number below the limit, with leading zeros: the same steps in reverse. The two
+// products with a shift divide by 100 and by 10.
 constexpr std::uint64_t from_number(std::uint64_t number) {
   std::uint64_t parts = number / 10000 | (number % 10000) << 32;
   const std::uint64_t hundreds = ((parts * 10486) >> 20) & 0x0000007F0000007F;

@@ -6,7 +6,7 @@
 namespace vqvec {
 namespace {
 
-// What stands between double quotes. A backslash with nothing behind it stays one.
+// The text between double quotes. A backslash at its end remains one.
 std::string resolve_escapes(std::string_view quoted) {
   std::string text;
   for (std::size_t i = 0; i < quoted.size(); ++i) {

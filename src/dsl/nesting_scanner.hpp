@@ -1,5 +1,5 @@
-// Quotes, escapes and parentheses of a text that is read byte by byte: the one set of rules by
-// which statements, calls and arguments are taken apart.
+// Tracks quotes, escapes and parentheses while a text is read byte by byte. Statements, calls and
+// arguments are all split by these rules.
 #ifndef VQVEC_DSL_NESTING_SCANNER_HPP
 #define VQVEC_DSL_NESTING_SCANNER_HPP
 
@@ -9,8 +9,8 @@ namespace vqvec {
 
 class NestingScanner {
  public:
-  // Takes the next byte and tells whether it is structure: neither a quote nor inside quotes.
-  // Inside quotes a backslash hides the byte after it; outside it is a byte like any other.
+  // Takes the next byte. True if it belongs to the structure: neither a quote nor inside quotes.
+  // Inside quotes a backslash escapes the byte after it; outside it has no meaning.
   bool take(char c) {
     if (escape_next_) {
       escape_next_ = false;
@@ -31,7 +31,7 @@ class NestingScanner {
     return true;
   }
 
-  // Parentheses open after the bytes taken so far. A ')' too many is ignored.
+  // The number of parentheses open after the bytes taken so far. A surplus ')' is ignored.
   std::size_t depth() const { return depth_; }
   bool is_balanced() const { return depth_ == 0 && quote_ == '\0'; }
 

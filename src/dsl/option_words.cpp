@@ -25,7 +25,7 @@ class WordSplitter {
     if (c == '\\' && escapes(next())) {
       append(text_[++position_]);
     } else if (quote_ != '\0') {
-      c == quote_ ? void(quote_ = '\0') : append(c);
+      take_quoted(c);
     } else if (c == '\'' || c == '"') {
       quote_ = c;
       has_started_ = true;
@@ -36,10 +36,18 @@ class WordSplitter {
     }
   }
 
-  // The byte after the current one; a NUL, which no backslash escapes, at the end.
+  void take_quoted(char c) {
+    if (c == quote_) {
+      quote_ = '\0';
+    } else {
+      append(c);
+    }
+  }
+
+  // The byte after the current one; at the end a NUL, which a backslash does not escape.
   char next() const { return position_ + 1 < text_.size() ? text_[position_ + 1] : '\0'; }
 
-  // True when a backslash before this byte is dropped and the byte taken as it is.
+  // True if a backslash escapes this byte here.
   bool escapes(char c) const {
     switch (quote_) {
       case '\'':
@@ -65,7 +73,7 @@ class WordSplitter {
 
   std::string_view text_;
   std::size_t position_ = 0;
-  char quote_ = '\0';  // the quote that is open
+  char quote_ = '\0';  // the open quote
   bool has_started_ = false;
   std::string word_;
   std::vector<std::string> words_;

@@ -1,4 +1,4 @@
-// Words of options and the values that follow them, on the command line and in a statement.
+// Option words and their values, on the command line and in a statement.
 #ifndef VQVEC_DSL_OPTION_WORDS_HPP
 #define VQVEC_DSL_OPTION_WORDS_HPP
 
@@ -9,12 +9,12 @@
 
 namespace vqvec {
 
-// Splits as a shell would: white space separates, quotes and backslashes join. An unterminated
-// quote runs to the end. A quoted empty text is a word.
+// Splits as a shell does: white space separates, quotes and backslashes join. An unterminated quote
+// extends to the end. A quoted empty text is a word.
 std::vector<std::string> split_option_words(std::string_view text);
 
-// Moves the index to the next word and returns it, whatever it looks like. Fails with
-// option_name + " requires a value" when there is none.
+// Advances the index to the next word and returns it, whatever it looks like. Fails with
+// option_name + " requires a value" if there is none.
 const std::string& take_option_value(const std::vector<std::string>& words, std::size_t& index,
                                      std::string_view option_name);
 

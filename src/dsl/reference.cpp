@@ -20,7 +20,7 @@ std::string_view without_outer_dots(std::string_view text) {
   return text.substr(first, text.find_last_not_of('.') - first + 1);
 }
 
-// Such a byte would break the line `atoms.N.<name>=value` or be lost when it is read back.
+// Such a byte would break the line `atoms.N.<name>=value`, or be lost when the line is read back.
 bool is_unsafe(char c) {
   return c == '=' || is_space(c);
 }

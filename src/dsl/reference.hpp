@@ -15,10 +15,10 @@ struct AtomVecRef {
   bool operator==(const AtomVecRef&) const = default;
 };
 
-// The bare name of a property, the middle part of the keys `atoms.N.<name>`: trimmed, without the
-// prefixes "atoms[]." and "atoms." (one of each, in this order), without dots at either end. Fails
-// with "atomvec target property cannot be empty" (for a reference's property as well) or, when the
-// name holds '=' or any white space, with "atomvec property contains an unsafe character: " + name.
+// The bare name of a property, as in the keys `atoms.N.<name>`: trimmed, without the prefixes
+// "atoms[]." and "atoms." (one of each, in this order), without dots at either end. Fails with
+// "atomvec target property cannot be empty" (also for the property of a reference) or, if the name
+// contains '=' or white space, with "atomvec property contains an unsafe character: " + name.
 std::string_view normalize_property_name(std::string_view text);
 std::string_view normalize_property_name(const char* text);
 std::string_view normalize_property_name(std::string&& text) = delete;

@@ -23,7 +23,7 @@ std::size_t find_top_level_equals(std::string_view text) {
   return std::string_view::npos;
 }
 
-// The expression and the options behind it, both trimmed. Options begin at the first "--" that
+// The expression and the options after it, both trimmed. Options begin at the first "--" that
 // follows white space outside quotes and parentheses.
 std::pair<std::string_view, std::string_view> split_off_options(std::string_view right_side) {
   NestingScanner scanner;
@@ -50,14 +50,14 @@ struct Option {
 
 constexpr Option single_valued_options[] = {
     {"--sum", true, &DslStatement::sum_text},          {"--renorm", true, &DslStatement::sum_text},
-    {"--renormalize", false, &DslStatement::sum_text},  // meant: --renormalize=2 is unknown
+    {"--renormalize", false, &DslStatement::sum_text},  // deliberately without --renormalize=2
     {"--out", true, &DslStatement::out_path},          {"--extxyz", true, &DslStatement::out_path},
     {"--chg", true, &DslStatement::chg_path},          {"--format", true, &DslStatement::format},
     {"--geom", true, &DslStatement::geom_path},
 };
 
-// The value that the word at the index gives to this option, or nothing when it is another word.
-// The index moves on when the value is the next word.
+// The value that the word at the index gives to this option; nothing if the word is not this
+// option. Advances the index if the value is the next word.
 std::optional<std::string> match_option(const std::vector<std::string>& words, std::size_t& index,
                                         std::string_view name, bool has_equals_form) {
   const std::string& word = words[index];
@@ -93,7 +93,7 @@ void interpret_options(std::string_view option_text, DslStatement& statement) {
   }
 }
 
-// A format is only judged when there is a file to write in it.
+// The format matters only if there is a file to write.
 void validate_format(DslStatement& statement) {
   statement.format = to_lower(statement.format);
   if (!statement.out_path.empty() && statement.format != "extxyz") {

@@ -1,4 +1,4 @@
-// The one statement of a run, `<target> = <expr> [options]`, taken apart but not evaluated.
+// The statement of a run, `<target> = <expr> [options]`, parsed but not evaluated.
 #ifndef VQVEC_DSL_STATEMENT_HPP
 #define VQVEC_DSL_STATEMENT_HPP
 
@@ -19,8 +19,8 @@ struct DslStatement {
   std::string geom_path;  // task text (not a path) of the geometry; empty: first task used
 };
 
-// The statement as the user typed it. Fails with one message of its own for each way in which it
-// can be wrong; the target is judged before anything to the right of the '='.
+// The text is the statement as the user typed it. Each kind of error has its own message; the
+// target is checked before anything to the right of the '='.
 DslStatement parse_dsl_statement(std::string_view text);
 
 }  // namespace vqvec

@@ -1,6 +1,6 @@
-// Texts that a run builds itself: quoted arguments without their escapes, names found on disk.
-// Everything else that evaluation handles is a view of the statement; the pool lets built texts be
-// views as well, so that no level of nesting copies the text below it.
+// Owns the texts that a run builds: quoted arguments without their escapes, names found on disk.
+// Evaluation handles all texts as views, of the statement or of this pool, so that no level of
+// nesting copies the text inside it.
 #ifndef VQVEC_DSL_TEXT_POOL_HPP
 #define VQVEC_DSL_TEXT_POOL_HPP
 
