@@ -73,8 +73,9 @@ AtomVector evaluate_statement(const DslStatement& statement, EvalContext& contex
   return renormalize_to_sum(std::move(result), total);
 }
 
+// A repeated check has the same result. There is only one kind of check.
 void run_checks(const DslStatement& statement, const AtomVector& result, EvalContext& context) {
-  for (std::size_t i = 0; i < statement.checks.size(); ++i) {  // the only kind of check
+  if (!statement.checks.empty()) {
     check_same_atoms(context, result.size());
   }
 }

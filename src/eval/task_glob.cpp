@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
-#include <unordered_set>
 #include <utility>
 
 #include "dsl/lexical.hpp"
@@ -21,48 +20,44 @@ struct SearchRoot {
   bool keeps_path;  // matches are reported as paths below the root, otherwise by their bare names
 };
 
-std::vector<SearchRoot> search_roots(const fs::path& pattern, const fs::path& working_directory) {
+// Each directory is searched once; at the root of the file system both roots are the same.
+std::vector<SearchRoot> search_roots(const fs::path& pattern) {
+  const fs::path working_directory = fs::current_path();
   if (pattern.has_parent_path()) {
     return {{pattern.parent_path(), true}};
   }
-  return {{working_directory.parent_path(), false}, {working_directory, false}};
+  const fs::path siblings = working_directory.parent_path();
+  if (siblings == working_directory) {
+    return {{working_directory, false}};
+  }
+  return {{siblings, false}, {working_directory, false}};
 }
 
-// Collects the directories that match a pattern, each once.
-class DirectorySearch {
- public:
-  DirectorySearch(std::string name_pattern, fs::path working_directory)
-      : name_pattern_(std::move(name_pattern)), working_directory_(std::move(working_directory)) {}
-
-  // A root that is missing or cannot be listed has no matches.
-  void search(const SearchRoot& root) {
-    const fs::path absolute_root = (working_directory_ / root.directory).lexically_normal();
-    std::error_code error;
-    const fs::directory_iterator entries(root.directory, error);
-    throw_if_out_of_memory(error);
-    for (const fs::directory_entry& entry : entries) {
-      if (!entry.is_directory()) {  // before the name: a link that cannot be examined is a failure
-        continue;
-      }
-      const std::string name = entry.path().filename().string();
-      if (wildcard_match(name_pattern_, name) &&
-          seen_.insert((absolute_root / name).string()).second) {
-        found_.push_back(root.keeps_path ? entry.path().string() : name);
-      }
+// Adds the matching directories below the root. A root that is missing or cannot be listed has none.
+void search(const SearchRoot& root, const std::string& name_pattern,
+            std::vector<std::string>& found) {
+  std::error_code error;
+  const fs::directory_iterator entries(root.directory, error);
+  throw_if_out_of_memory(error);
+  for (const fs::directory_entry& entry : entries) {
+    if (!entry.is_directory()) {  // before the name: a link that cannot be examined is a failure
+      continue;
+    }
+    const std::string name = entry.path().filename().string();
+    if (wildcard_match(name_pattern, name)) {
+      found.push_back(root.keeps_path ? entry.path().string() : name);
     }
   }
+}
 
-  std::vector<std::string> sorted() && {
-    std::sort(found_.begin(), found_.end());
-    return std::move(found_);
+std::vector<std::string> find_tasks(const fs::path& pattern) {
+  std::vector<std::string> found;
+  for (const SearchRoot& root : search_roots(pattern)) {
+    search(root, pattern.filename().string(), found);
   }
-
- private:
-  std::string name_pattern_;
-  fs::path working_directory_;
-  std::unordered_set<std::string> seen_;  // absolute paths
-  std::vector<std::string> found_;
-};
+  std::sort(found.begin(), found.end());
+  return found;
+}
 
 }  // namespace
 
@@ -100,14 +95,8 @@ std::vector<AtomVecRef> expand_task_glob(std::string_view pattern_text, TextPool
   if (!has_wildcard(ref.task)) {
     return {ref};
   }
-  const fs::path pattern(ref.task);
-  const fs::path working_directory = fs::current_path();
-  DirectorySearch search(pattern.filename().string(), working_directory);
-  for (const SearchRoot& root : search_roots(pattern, working_directory)) {
-    search.search(root);
-  }
   std::vector<AtomVecRef> refs;
-  for (std::string& task : std::move(search).sorted()) {
+  for (std::string& task : find_tasks(ref.task)) {
     refs.push_back({pool.keep(std::move(task)), ref.property});
   }
   if (refs.empty()) {
