@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "tests/app/program_call.hpp"
-#include "tests/output/environment.hpp"
-#include "tests/taskstore/work_place.hpp"
+#include "tests/support/environment.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/app/program_call.hpp"
-#include "tests/taskstore/work_place.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "dsl/expression.hpp"
-#include "tests/dsl/plain_calls.hpp"
+#include "tests/dsl/random_calls.hpp"
+#include "tests/reference/lexing.hpp"
 #include "tests/support/failure.hpp"
 
 namespace vqvec {
@@ -212,7 +213,7 @@ TEST(CallLiterals, AreTaken) {
 
 // Against the plain rules
 
-PlainCall parsed(const std::string& text) {
+reference::Call parsed(const std::string& text) {
   const FunctionCall call = parse_function_call(text);
   return {call.name, std::string(call.argument_text)};
 }
@@ -223,13 +224,13 @@ TEST(RandomCalls, FollowThePlainRules) {
   int failures = 0;
   for (int i = 0; i < 100'000; ++i) {
     const std::string text = (i % 2 == 0 ? "f(" : "") + random_call_text(random) + ")";
-    const std::string failure = failure_of([&] { plain_parse_call(text); });
+    const std::string failure = failure_of([&] { reference::parse_function_call(text); });
     ASSERT_EQ(failure_of([&] { parse_function_call(text); }), failure) << "text [" << text << "]";
     if (failure != "(no failure)") {
       ++failures;
       continue;
     }
-    ASSERT_EQ(parsed(text), plain_parse_call(text)) << "text [" << text << "]";
+    ASSERT_EQ(parsed(text), reference::parse_function_call(text)) << "text [" << text << "]";
     calls += parsed(text).name.empty() ? 0 : 1;
   }
   EXPECT_GT(calls, 5'000);  // the texts are worth the comparison
@@ -240,7 +241,7 @@ TEST(RandomArguments, FollowThePlainRules) {
   std::mt19937_64 random(14142135);
   for (int i = 0; i < 100'000; ++i) {
     const std::string text = random_call_text(random);
-    ASSERT_EQ(pieces_of(text), plain_split_arguments(text)) << "text [" << text << "]";
+    ASSERT_EQ(pieces_of(text), reference::split_call_arguments(text)) << "text [" << text << "]";
   }
 }
 

@@ -2,52 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <ostream>
 #include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/dsl/plain_calls.hpp"
+#include "tests/dsl/random_calls.hpp"
+#include "tests/reference/expression.hpp"
+#include "tests/support/expression_node.hpp"
 #include "tests/support/failure.hpp"
 
 namespace vqvec {
 namespace {
 
 using std::string_literals::operator""s;
-
-// A tree by value.
-struct Node {
-  std::string text;
-  std::string function = {};
-  std::vector<Node> arguments = {};
-};
-
-bool operator==(const Node& one, const Node& other) {
-  return one.text == other.text && one.function == other.function &&
-         one.arguments == other.arguments;
-}
-
-std::ostream& operator<<(std::ostream& out, const Node& node) {
-  out << '[' << node.text << ']';
-  if (!node.function.empty()) {
-    out << " calls [" << node.function << "] with {";
-    for (const Node& argument : node.arguments) {
-      out << argument << ' ';
-    }
-    out << '}';
-  }
-  return out;
-}
-
-Node copy_of(const Expression& expression) {
-  Node node = {std::string(expression.text), std::string(expression.function)};
-  for (const Expression& argument : expression.arguments) {
-    node.arguments.push_back(copy_of(argument));
-  }
-  return node;
-}
+using reference::Node;
 
 struct TreeCase {
   const char* name;
@@ -191,18 +160,6 @@ TEST(ParseExpressionLimits, TakesAMillionArguments) {
 
 // Against the plain rules
 
-// The rules of one call applied at each level.
-Node plain_tree(const std::string& text) {
-  const PlainCall call = plain_parse_call(plain_trim(text));
-  Node node = {text, call.name};
-  if (!call.name.empty()) {
-    for (const std::string& argument : plain_split_arguments(call.arguments)) {
-      node.arguments.push_back(plain_tree(argument));
-    }
-  }
-  return node;
-}
-
 TEST(RandomTrees, EqualTheLevelByLevelReading) {
   std::mt19937_64 random(17320508);
   int nested_calls = 0;
@@ -210,14 +167,14 @@ TEST(RandomTrees, EqualTheLevelByLevelReading) {
   for (int i = 0; i < 100'000; ++i) {
     const std::string text =
         i % 3 == 0 ? "f(" + random_call_text(random) + ")" : random_expression(random, 4);
-    const std::string failure = failure_of([&] { plain_tree(text); });
+    const std::string failure = failure_of([&] { reference::parse_expression(text); });
     ASSERT_EQ(failure_of([&] { parse_expression(text); }), failure) << "text [" << text << "]";
     if (failure != "(no failure)") {
       ++failures;
       continue;
     }
     const Node tree = copy_of(parse_expression(text));
-    ASSERT_EQ(tree, plain_tree(text)) << "text [" << text << "]";
+    ASSERT_EQ(tree, reference::parse_expression(text)) << "text [" << text << "]";
     for (const Node& argument : tree.arguments) {
       nested_calls += argument.arguments.empty() ? 0 : 1;
     }

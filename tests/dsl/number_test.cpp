@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -12,19 +11,15 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/reference/files.hpp"
 #include "tests/support/failure.hpp"
+#include "tests/support/random_decimal.hpp"
+#include "tests/support/same_number.hpp"
 
 namespace vqvec {
 namespace {
 
 using std::string_literals::operator""s;
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-// Tells 0.0 from -0.0.
-std::optional<std::uint64_t> bits_of(std::optional<double> number) {
-  return number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
-}
 
 // Texts that are finite numbers
 
@@ -85,8 +80,8 @@ class FiniteNumber : public testing::TestWithParam<NumberCase> {};
 TEST_P(FiniteNumber, IsReadToTheLastBit) {
   const auto& [name, text, expected] = GetParam();
   EXPECT_TRUE(is_number_literal(text));
-  EXPECT_EQ(bits_of(read_finite_number(text)), bits_of(expected));
-  EXPECT_EQ(bits_of(parse_finite_number(text, "x")), bits_of(expected));
+  EXPECT_PRED2(is_same_number, read_finite_number(text), expected);
+  EXPECT_PRED2(is_same_number, parse_finite_number(text, "x"), expected);
 }
 INSTANTIATE_TEST_SUITE_P(Texts, FiniteNumber, testing::ValuesIn(number_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -184,18 +179,6 @@ TEST(ParseFiniteNumber, ReadsOnlyTheBytesOfTheView) {
 
 // Against the standard conversion
 
-// The rules in their plainest form: strtod has to use up the text between the four blanks.
-std::optional<double> plain_number(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) {
-    return std::nullopt;
-  }
-  const std::string trimmed = text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-  char* end = nullptr;
-  const double value = std::strtod(trimmed.c_str(), &end);
-  return end == trimmed.c_str() + trimmed.size() ? std::optional(value) : std::nullopt;
-}
-
 // Number-like: mostly whole numbers in pieces, with a stray byte here and there.
 std::string random_number_text(std::mt19937_64& random) {
   static const std::vector<std::string> pieces = {
@@ -213,17 +196,21 @@ std::string random_number_text(std::mt19937_64& random) {
   return text;
 }
 
+std::optional<double> strtod_if_finite(const std::string& text) {
+  const std::optional<double> number = reference::read_number(text);
+  return number && reference::is_finite(*number) ? number : std::nullopt;
+}
+
 TEST(RandomNumbers, AgreeWithStrtodBitForBit) {
   std::mt19937_64 random(20240607);
   int literals = 0;
   for (int i = 0; i < 200'000; ++i) {
     const std::string text = random_number_text(random);
-    const std::optional<double> expected = plain_number(text);
-    const bool is_finite = expected && *expected > -infinity && *expected < infinity;
-    ASSERT_EQ(is_number_literal(text), expected.has_value()) << "text [" << text << "]";
-    ASSERT_EQ(bits_of(read_finite_number(text)), bits_of(is_finite ? expected : std::nullopt))
+    const bool is_literal = reference::read_number(text).has_value();
+    ASSERT_EQ(is_number_literal(text), is_literal) << "text [" << text << "]";
+    ASSERT_PRED2(is_same_number, read_finite_number(text), strtod_if_finite(text))
         << "text [" << text << "]";
-    literals += expected ? 1 : 0;
+    literals += is_literal ? 1 : 0;
   }
   EXPECT_GT(literals, 20'000);  // the texts are worth the comparison
 }
@@ -231,20 +218,8 @@ TEST(RandomNumbers, AgreeWithStrtodBitForBit) {
 TEST(RandomNumbers, PlainDecimalsAgreeWithStrtodBitForBit) {
   std::mt19937_64 random(31415926);
   for (int i = 0; i < 200'000; ++i) {
-    std::string text = random() % 2 == 0 ? "-" : "";
-    for (auto digits = random() % 25; digits > 0; --digits) {
-      text += static_cast<char>('0' + random() % 10);
-    }
-    text += '.';
-    for (auto digits = 1 + random() % 25; digits > 0; --digits) {
-      text += static_cast<char>('0' + random() % 10);
-    }
-    if (random() % 2 == 0) {
-      text += "e" + std::to_string(static_cast<int>(random() % 660) - 340);
-    }
-    const std::optional<double> expected = plain_number(text);
-    const bool is_finite = *expected > -infinity && *expected < infinity;
-    ASSERT_EQ(bits_of(read_finite_number(text)), bits_of(is_finite ? expected : std::nullopt))
+    const std::string text = random_decimal(random);
+    ASSERT_PRED2(is_same_number, read_finite_number(text), strtod_if_finite(text))
         << "text [" << text << "]";
   }
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/reference/lexing.hpp"
 #include "tests/support/failure.hpp"
 
 namespace vqvec {
@@ -86,55 +87,7 @@ TEST_P(OptionWords, AreSplitAsByAShell) {
 INSTANTIATE_TEST_SUITE_P(Texts, OptionWords, testing::ValuesIn(words_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
-// The rules in their plainest form.
-Words plain_words(const std::string& text) {
-  const auto is_one_of = [](char c, const std::string& bytes) {
-    return bytes.find(c) != std::string::npos;
-  };
-  const std::string white_space = " \t\n\v\f\r";
-  Words words;
-  std::string word;
-  bool has_started = false;
-  char state = 'o';  // outside quotes, or the quote
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    const bool has_next = i + 1 < text.size();
-    if (state == '\'') {
-      if (c == '\'') {
-        state = 'o';
-      } else {
-        word += c;
-      }
-    } else if (state == '"') {
-      if (c == '"') {
-        state = 'o';
-      } else if (c == '\\' && has_next && is_one_of(text[i + 1], "\"\\")) {
-        word += text[++i];
-      } else {
-        word += c;
-      }
-    } else if (is_one_of(c, white_space)) {
-      if (has_started || !word.empty()) {
-        words.push_back(word);
-      }
-      word.clear();
-      has_started = false;
-    } else if (c == '\'' || c == '"') {
-      state = c;
-      has_started = true;
-    } else if (c == '\\' && has_next && is_one_of(text[i + 1], white_space + "\"'\\")) {
-      word += text[++i];
-      has_started = true;
-    } else {
-      word += c;
-      has_started = true;
-    }
-  }
-  if (has_started || !word.empty()) {
-    words.push_back(word);
-  }
-  return words;
-}
+// Against the plain rules
 
 TEST(RandomOptionWords, FollowThePlainRules) {
   const std::string alphabet = "ab'\"\\ \t\v-=";
@@ -144,7 +97,8 @@ TEST(RandomOptionWords, FollowThePlainRules) {
     for (auto length = random() % 16; length > 0; --length) {
       text += alphabet[random() % alphabet.size()];
     }
-    ASSERT_EQ(split_option_words(text), plain_words(text)) << "text [" << text << "]";
+    ASSERT_EQ(split_option_words(text), reference::split_option_words(text))
+        << "text [" << text << "]";
   }
 }
 

@@ -8,9 +8,9 @@
 
 #include "eval/scalar_expression.hpp"
 #include "eval/vector_expression.hpp"
-#include "tests/eval/same_number.hpp"
-#include "tests/eval/task_tree.hpp"
+#include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {

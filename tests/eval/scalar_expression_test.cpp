@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "eval/vector_expression.hpp"
-#include "tests/eval/same_number.hpp"
-#include "tests/eval/task_tree.hpp"
+#include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {
@@ -19,18 +19,21 @@ namespace {
 using std::string_literals::operator""s;
 using Tasks = std::vector<std::string_view>;
 
-void fill(const TaskTree& tree) {
-  tree.add_task("here", "charge=-1\n.dotted=8\nx y=9\n" + atom_lines("q", {"7", "8"}));
-  tree.add_task("scrf",
-                "charge=0.5\nx.y=4\nx=3\nblank= 6\nbad=abc\nempty=\ninfinite=inf\nhuge=1e999\n" +
-                    atom_lines("q", {"1", "2", "3"}));
-  tree.add_task("t1", atom_lines("q", {"1", "2"}));
-  tree.add_task("t2", atom_lines("q", {"3", "6"}));
-  tree.add_task("large", atom_lines("q", {"1e308", "1e308"}));
-  tree.add_task("order", atom_lines("q", {"1e16", "1", "-1e16"}));
-  tree.add_task("zero", atom_lines("q", {"-0"}));
-  tree.add_task("bad", atom_lines("q", {"1", "x"}));
-}
+class Tree : public TaskTree {
+ public:
+  Tree() {
+    add_task("here", "charge=-1\n.dotted=8\nx y=9\n" + atom_lines("q", {"7", "8"}));
+    add_task("scrf",
+             "charge=0.5\nx.y=4\nx=3\nblank= 6\nbad=abc\nempty=\ninfinite=inf\nhuge=1e999\n" +
+                 atom_lines("q", {"1", "2", "3"}));
+    add_task("t1", atom_lines("q", {"1", "2"}));
+    add_task("t2", atom_lines("q", {"3", "6"}));
+    add_task("large", atom_lines("q", {"1e308", "1e308"}));
+    add_task("order", atom_lines("q", {"1e16", "1", "-1e16"}));
+    add_task("zero", atom_lines("q", {"-0"}));
+    add_task("bad", atom_lines("q", {"1", "x"}));
+  }
+};
 
 struct ValueCase {
   const char* name;
@@ -84,11 +87,8 @@ const std::vector<ValueCase> value_cases = {
     {"BlankBeforeDot", "@scrf .charge", 0.5},
 };
 class ScalarExpression : public testing::TestWithParam<ValueCase> {
- protected:
-  ScalarExpression() { fill(tree_); }
-
  private:
-  TaskTree tree_;
+  Tree tree_;
 };
 
 TEST_P(ScalarExpression, HasThisValue) {
@@ -180,11 +180,8 @@ const std::vector<FailureCase> failure_cases = {
     {"Utf8", "\xe7\x94\xb5", unsupported + "\xe7\x94\xb5"},
 };
 class BadScalarExpression : public testing::TestWithParam<FailureCase> {
- protected:
-  BadScalarExpression() { fill(tree_); }
-
  private:
-  TaskTree tree_;
+  Tree tree_;
 };
 
 TEST_P(BadScalarExpression, Fails) {

@@ -10,9 +10,9 @@
 #include <system_error>
 #include <vector>
 
-#include "tests/eval/same_number.hpp"
-#include "tests/eval/task_tree.hpp"
+#include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {
@@ -24,60 +24,57 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 // Tasks that globs are to find have names of a letter of their own and a number.
-class Tree {
+class Tree : public TaskTree {
  public:
   Tree() {
-    tree_.add_task("here", "w=5\nlow=2\n" + atom_lines("q", {"7", "8"}));
-    tree_.add_task("a", "charge=0.5\n" + atom_lines("q", {"1", "2", "3"}) +
-                            atom_lines("q:r", {"9"}) + atom_lines("q*", {"6"}));
-    tree_.add_task("b", atom_lines("q", {"10", "20", "30"}));
-    tree_.add_task("quad", atom_lines("q", {"1", "1", "1", "1"}));
-    tree_.add_task("bad", "key=abc\n" + atom_lines("q", {"1", "nan"}));
-    tree_.add_task("count", "atom_count=3\n" + atom_lines("q", {"1", "2"}));
-    tree_.add_task("geometry", atom_lines("q", {"1", "2"}));
-    tree_.root().write("geometry/last_opt.xyz", "1\n\nH 0 0 0\n");
-    tree_.add_task("large", atom_lines("q", {"1e308", "1e308"}));
-    tree_.add_task("signs", atom_lines("q", {"0", "-0", "1.5", "-2.5"}));
-    tree_.add_task("wide", atom_lines("q", {"1e16", "1", "-1e16"}));
+    add_task("here", "w=5\nlow=2\n" + atom_lines("q", {"7", "8"}));
+    add_task("a", "charge=0.5\n" + atom_lines("q", {"1", "2", "3"}) + atom_lines("q:r", {"9"}) +
+                      atom_lines("q*", {"6"}));
+    add_task("b", atom_lines("q", {"10", "20", "30"}));
+    add_task("quad", atom_lines("q", {"1", "1", "1", "1"}));
+    add_task("bad", "key=abc\n" + atom_lines("q", {"1", "nan"}));
+    add_task("count", "atom_count=3\n" + atom_lines("q", {"1", "2"}));
+    add_task("geometry", atom_lines("q", {"1", "2"}));
+    write("geometry/last_opt.xyz", "1\n\nH 0 0 0\n");
+    add_task("large", atom_lines("q", {"1e308", "1e308"}));
+    add_task("signs", atom_lines("q", {"0", "-0", "1.5", "-2.5"}));
+    add_task("wide", atom_lines("q", {"1e16", "1", "-1e16"}));
     // Two atoms each, with weights.
-    tree_.add_task("t1", "w=1\nminus=-1\nopposite=1\nx.w=2\nw v=5\nw-v=6\nbad=abc\nblank= 4\n" +
-                             atom_lines("q", {"1", "2"}));
-    tree_.add_task("t2", "w=3\nminus=3\nopposite=-1\nx.w=4\nw v=5\nw-v=6\nbad=1\nblank= 4\n" +
-                             atom_lines("q", {"3", "6"}));
-    tree_.root().write("t1/t1.xyz", "2\n\nO 0 0 0\nH 0 0 1\n");
+    add_task("t1", "w=1\nminus=-1\nopposite=1\nx.w=2\nw v=5\nw-v=6\nbad=abc\nblank= 4\n" +
+                       atom_lines("q", {"1", "2"}));
+    add_task("t2", "w=3\nminus=3\nopposite=-1\nx.w=4\nw v=5\nw-v=6\nbad=1\nblank= 4\n" +
+                       atom_lines("q", {"3", "6"}));
+    write("t1/t1.xyz", "2\n\nO 0 0 0\nH 0 0 1\n");
     // The third of these has a length that never matters.
-    tree_.add_task("m1", "w=1\n" + atom_lines("q", {"1", "2"}));
-    tree_.add_task("m2", "w=1\n" + atom_lines("q", {"1", "2", "3"}));
-    tree_.add_task("m3", "");
+    add_task("m1", "w=1\n" + atom_lines("q", {"1", "2"}));
+    add_task("m2", "w=1\n" + atom_lines("q", {"1", "2", "3"}));
+    add_task("m3", "");
     // Thirds of 5 and of 0.6000000000000001, which is 0.1 + 0.2 + 0.3.
-    tree_.add_task("u1", atom_lines("q", {"1", "0.1"}));
-    tree_.add_task("u2", atom_lines("q", {"2", "0.2"}));
-    tree_.add_task("u3", atom_lines("q", {"2", "0.3"}));
+    add_task("u1", atom_lines("q", {"1", "0.1"}));
+    add_task("u2", atom_lines("q", {"2", "0.2"}));
+    add_task("u3", atom_lines("q", {"2", "0.3"}));
     // 0 when added in this order.
-    tree_.add_task("o1", "w=1e16\n" + atom_lines("q", {"1e16"}));
-    tree_.add_task("o2", "w=1\n" + atom_lines("q", {"1"}));
-    tree_.add_task("o3", "w=-1e16\n" + atom_lines("q", {"-1e16"}));
+    add_task("o1", "w=1e16\n" + atom_lines("q", {"1e16"}));
+    add_task("o2", "w=1\n" + atom_lines("q", {"1"}));
+    add_task("o3", "w=-1e16\n" + atom_lines("q", {"-1e16"}));
     // 0 when the product is rounded before the sum.
-    tree_.add_task("f1", "w=1\n" + atom_lines("q", {"-1"}));
-    tree_.add_task("f2", "w=10\n" + atom_lines("q", {"0.1"}));
-    tree_.add_task("n1", atom_lines("q", {"-0"}));
-    tree_.add_task("g1", atom_lines("q", {"4"}));
-    tree_.add_task("g2", atom_lines("q", {"abc"}));
+    add_task("f1", "w=1\n" + atom_lines("q", {"-1"}));
+    add_task("f2", "w=10\n" + atom_lines("q", {"0.1"}));
+    add_task("n1", atom_lines("q", {"-0"}));
+    add_task("g1", atom_lines("q", {"4"}));
+    add_task("g2", atom_lines("q", {"abc"}));
     // No vector in the first, neither vector nor weight in the second.
-    tree_.add_task("p1", "w=1\n");
-    tree_.add_task("p2", "");
+    add_task("p1", "w=1\n");
+    add_task("p2", "");
     // A good one, then one without weight.
-    tree_.add_task("r1", "w=1\n" + atom_lines("q", {"1"}));
-    tree_.add_task("r2", "");
-    tree_.add_task("here/calc/s1", "w=1\n" + atom_lines("q", {"1"}));
-    tree_.add_task("here/calc/s2", "w=2\n" + atom_lines("q", {"4"}));
+    add_task("r1", "w=1\n" + atom_lines("q", {"1"}));
+    add_task("r2", "");
+    add_task("here/calc/s1", "w=1\n" + atom_lines("q", {"1"}));
+    add_task("here/calc/s2", "w=2\n" + atom_lines("q", {"4"}));
     // `du*` is found twice and each time stands for the sibling.
-    tree_.add_task("dup", atom_lines("q", {"1"}));
-    tree_.add_task("here/dup", atom_lines("q", {"100"}));
+    add_task("dup", atom_lines("q", {"1"}));
+    add_task("here/dup", atom_lines("q", {"100"}));
   }
-
- private:
-  TaskTree tree_;
 };
 
 struct ValueCase {

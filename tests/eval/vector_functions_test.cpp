@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/eval/same_number.hpp"
+#include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
 
 namespace vqvec {

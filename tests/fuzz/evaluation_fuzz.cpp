@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -27,17 +26,20 @@
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
 #include "tests/reference/evaluation.hpp"
+#include "tests/reference/print.hpp"
 #include "tests/reference/statement.hpp"
+#include "tests/support/same_number.hpp"
 #include "tests/support/scratch_dir.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {
 
-// The tasks that statements can name, around a working directory of their own.
-class TaskTree {
+// The tasks that statements can name. They are some levels down, so that a statement can go up
+// without leaving the tree.
+class Tasks {
  public:
-  TaskTree() {
-    namespace fs = std::filesystem;
+  Tasks() {
     const std::string water = "3\n\nO 0 0 0.1173\nH 0 0.7572 -0.4692\nH 0 -0.7572 -0.4692\n";
     const std::string charges = "atoms.1.q=-0.834\natoms.2.q=0.417\natoms.3.q=0.417\n";
     put("a/.vorq.result.kv", charges + "charge=0\nweight=1\natom_count=3\n");
@@ -65,24 +67,21 @@ class TaskTree {
     put("work/t5/.vorq.result.kv", charges + "weight=-1\n");
     put("work/a/.vorq.result.kv", "never=seen\n");
     put("work/loops/u1/.vorq.result.kv", charges);
-    const fs::path tasks = scratch_.path() / tasks_;
-    fs::create_directory_symlink("t1", tasks / "t4");
-    fs::create_directory_symlink("nowhere", tasks / "t6");
-    fs::create_directory_symlink("v2", tasks / "work/loops/v2");
-    fs::current_path(tasks / "work");
+    tree_.add_link(tasks_ / "t4", "t1");
+    tree_.add_link(tasks_ / "t6", "nowhere");
+    tree_.add_link(tasks_ / "work/loops/v2", "v2");
   }
 
   // A file for output, where no statement finds it.
-  std::string output_path(const std::string& name) const { return scratch_.path_of(name); }
+  std::string output_path(const std::string& name) const { return tree_.path_of(name).string(); }
 
  private:
   void put(const std::string& name, const std::string& bytes) const {
-    scratch_.write(std::filesystem::path(tasks_) / name, bytes);
+    tree_.write(tasks_ / name, bytes);
   }
 
-  // Tasks stand some levels down, so that a statement can go up without leaving the tree.
-  static constexpr const char* tasks_ = "x/y/tasks";
-  ScratchDir scratch_;
+  const std::filesystem::path tasks_ = "x/y/tasks";
+  const TaskTree tree_ = TaskTree(tasks_ / "work");
 };
 
 // Whether a statement looks at nothing but the tree, which alone stays as it is: no absolute path,
@@ -101,17 +100,12 @@ bool stays_in_tree(std::string text) {
   return steps_up < 3;
 }
 
-std::string print(const char* format, double value) {
-  char text[400];
-  return {text, static_cast<std::size_t>(std::snprintf(text, sizeof text, format, value))};
-}
-
 // Everything that a run writes, as one text.
 
 std::string values_lines(const std::string& target, const std::vector<double>& result) {
   std::string text;
   for (std::size_t i = 0; i < result.size(); ++i) {
-    const std::string value = print("%.15g", result[i]);
+    const std::string value = reference::print("%.15g", result[i]);
     text += "atoms." + std::to_string(i + 1) + "." + target + "=" + value + "\n";
   }
   return text;
@@ -136,9 +130,9 @@ std::string geometry_files(const reference::Statement& statement, const referenc
     text += std::to_string(result.size()) + "\nProperties=species:S:1:pos:R:3:" + label +
             ":R:1 generated_by=vqvec\n";
     for (std::size_t i = 0; i < result.size(); ++i) {
-      text += atoms[i].symbol + " " + print("%.10f", atoms[i].x) + " " +
-              print("%.10f", atoms[i].y) + " " + print("%.10f", atoms[i].z) + " " +
-              print("%.15g", result[i]) + "\n";
+      text += atoms[i].symbol + " " + reference::print("%.10f", atoms[i].x) + " " +
+              reference::print("%.10f", atoms[i].y) + " " + reference::print("%.10f", atoms[i].z) +
+              " " + reference::print("%.15g", result[i]) + "\n";
     }
   }
   if (!statement.chg_path.empty()) {
@@ -146,9 +140,10 @@ std::string geometry_files(const reference::Statement& statement, const referenc
     for (std::size_t i = 0; i < result.size(); ++i) {
       text +=
           atoms[i].symbol + std::string(3 - std::min<std::size_t>(3, atoms[i].symbol.size()), ' ');
-      text += " " + print("%16.10f", atoms[i].x) + " " + print("%16.10f", atoms[i].y) + " " +
-              print("%16.10f", atoms[i].z) + " ";
-      text += (result[i] >= 0.0 ? " " : "") + print("%.10f", result[i]) + "\n";
+      text += " " + reference::print("%16.10f", atoms[i].x) + " " +
+              reference::print("%16.10f", atoms[i].y) + " " +
+              reference::print("%16.10f", atoms[i].z) + " ";
+      text += (result[i] >= 0.0 ? " " : "") + reference::print("%.10f", result[i]) + "\n";
     }
   }
   return text;
@@ -177,27 +172,27 @@ std::string run_reference(const std::string& text) {
 }
 
 // What a file of the result gives when it is read as a task's: the doubles that its digits name.
-void require_values_read_back(const TaskTree& tree, const std::string& target,
+void require_values_read_back(const Tasks& tasks, const std::string& target,
                               const AtomVector& result) {
-  const std::string path = tree.output_path("values.kv");
+  const std::string path = tasks.output_path("values.kv");
   write_text_file(path, values_text(target, result));
   const KvMap map = read_kv_file(path);
   for (std::size_t i = 0; i < result.size(); ++i) {
     const auto found = map.find("atoms." + std::to_string(i + 1) + "." + target);
     require(found.has_value(), "a written value that is not read back");
-    require_equal(std::string(*found), print("%.15g", result[i]), "a value read back");
+    require_equal(std::string(*found), reference::print("%.15g", result[i]), "a value read back");
     const auto number = read_finite_number(*found);
-    const double printed = std::strtod(print("%.15g", result[i]).c_str(), nullptr);
+    const double printed = std::strtod(reference::print("%.15g", result[i]).c_str(), nullptr);
     require(number.has_value() == std::isfinite(printed), "whether a written value is a number");
     require(!number || is_same_number(*number, printed), "the number that was written");
   }
 }
 
-std::string run_program(const TaskTree& tree, const std::string& text) {
+std::string run_program(const Tasks& tasks, const std::string& text) {
   DslStatement statement = parse_dsl_statement(text);
   // The files named by the statement could be anywhere.
-  const std::string out_path = tree.output_path("out.extxyz");
-  const std::string chg_path = tree.output_path("out.chg");
+  const std::string out_path = tasks.output_path("out.extxyz");
+  const std::string chg_path = tasks.output_path("out.chg");
   statement.out_path = statement.out_path.empty() ? "" : out_path;
   statement.chg_path = statement.chg_path.empty() ? "" : chg_path;
   EvalContext context;
@@ -209,7 +204,7 @@ std::string run_program(const TaskTree& tree, const std::string& text) {
   for (std::size_t i = 0; i < statement.checks.size(); ++i) {
     check_same_atoms(context, result.size());
   }
-  require_values_read_back(tree, statement.target, result);
+  require_values_read_back(tasks, statement.target, result);
   std::string written = values_text(statement.target, result);
   if (!statement.out_path.empty() || !statement.chg_path.empty()) {
     write_geometry_outputs(statement, result, context);
@@ -239,7 +234,7 @@ std::string without_nan_signs(std::string text) {
 }  // namespace vqvec
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const vqvec::TaskTree tree;
+  static const vqvec::Tasks tasks;
   constexpr std::size_t longest = 2048;
   const std::string text = vqvec::text_of(data, size);
   if (size > longest || !vqvec::stays_in_tree(text)) {
@@ -251,7 +246,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } catch (const vqvec::reference::GaveUp&) {
     return 0;
   }
-  const std::string outcome = vqvec::outcome_of([&] { return vqvec::run_program(tree, text); });
+  const std::string outcome = vqvec::outcome_of([&] { return vqvec::run_program(tasks, text); });
   vqvec::require_equal(vqvec::without_nan_signs(outcome), vqvec::without_nan_signs(expected),
                        "a whole statement");
   return 0;

@@ -7,6 +7,7 @@
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
 #include "tests/reference/files.hpp"
+#include "tests/support/same_number.hpp"
 #include "tests/support/scratch_dir.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

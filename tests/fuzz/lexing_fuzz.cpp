@@ -13,7 +13,9 @@
 #include "dsl/reference.hpp"
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
+#include "tests/reference/expression.hpp"
 #include "tests/reference/lexing.hpp"
+#include "tests/support/expression_node.hpp"
 
 namespace vqvec {
 namespace {
@@ -35,12 +37,6 @@ std::vector<std::string> texts_of(const std::vector<Expression>& expressions) {
   return texts;
 }
 
-void require_depth(std::size_t depth) {
-  if (depth > 1000) {
-    throw std::runtime_error("expression is nested more than 1000 parentheses deep");
-  }
-}
-
 void compare_texts(const std::string& text) {
   TextPool pool;
   require_equal(std::string(trim(text)), reference::trim(text), "trim");
@@ -49,7 +45,7 @@ void compare_texts(const std::string& text) {
                 "unquote_argument");
   require_equal(outcome_of([&] { return joined(texts_of(split_call_arguments(text))); }),
                 outcome_of([&] {
-                  require_depth(1 + reference::deepest_nesting(text));
+                  reference::require_allowed_depth(text);
                   return joined(reference::split_call_arguments(text));
                 }),
                 "split_call_arguments");
@@ -78,36 +74,10 @@ void compare_calls(const std::string& text) {
                 "parse_function_call");
 }
 
-// A tree is what the two operations give for the text, for its arguments, for theirs and so on.
-void compare_node(const Expression& node, const std::string& text) {
-  require_equal(std::string(node.text), text, "text of an expression");
-  const reference::Call call = reference::parse_function_call(text);
-  require_equal(node.function, call.name, "function of an expression");
-  const auto arguments = call.name.empty() ? std::vector<std::string>()
-                                           : reference::split_call_arguments(call.argument_text);
-  require(node.arguments.size() == arguments.size(), "number of arguments");
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    compare_node(node.arguments[i], arguments[i]);
-  }
-}
-
 void compare_tree(const std::string& text) {
-  std::optional<Expression> root;
-  const std::string outcome = outcome_of([&] {
-    root = parse_expression(text);
-    return std::string();
-  });
-  const std::string expected = outcome_of([&] {
-    const reference::Call call = reference::parse_function_call(reference::trim(text));
-    if (!call.name.empty()) {
-      require_depth(1 + reference::deepest_nesting(call.argument_text));
-    }
-    return std::string();
-  });
-  require_equal(outcome, expected, "parse_expression");
-  if (root) {
-    compare_node(*root, text);
-  }
+  require_equal(outcome_of([&] { return describe(copy_of(parse_expression(text))); }),
+                outcome_of([&] { return describe(reference::parse_expression(text)); }),
+                "parse_expression");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // Printing numbers: the bytes that printf prints, which read back as the double that they name.
 // An input is a list of numbers, nine bytes each: how the number is made, and from which bits.
+#include <bit>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -10,21 +10,17 @@
 #include "output/number_format.hpp"
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
+#include "tests/reference/print.hpp"
+#include "tests/support/same_number.hpp"
 
 namespace vqvec {
 namespace {
 
-std::string print(const char* format, double value) {
-  char text[400];
-  const int size = std::snprintf(text, sizeof text, format, value);
-  return {text, static_cast<std::size_t>(size)};
-}
-
 void compare(double value) {
   const std::string value15 = format_value15(value);
   const std::string fixed10 = format_fixed10(value);
-  require_equal(value15, print("%.15g", value), "format_value15");
-  require_equal(fixed10, print("%.10f", value), "format_fixed10");
+  require_equal(value15, reference::print("%.15g", value), "format_value15");
+  require_equal(fixed10, reference::print("%.10f", value), "format_fixed10");
   for (const std::string& text : {value15, fixed10}) {
     const double printed = std::strtod(text.c_str(), nullptr);
     const auto value_read = read_finite_number(text);

@@ -1,11 +1,9 @@
 // Any text as a number, against strtod and a count of digits; any line as fields, against a stream.
-#include <cmath>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <locale>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include "dsl/number.hpp"
@@ -13,6 +11,7 @@
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
 #include "tests/reference/files.hpp"
+#include "tests/support/same_number.hpp"
 
 namespace vqvec {
 namespace {
@@ -24,9 +23,9 @@ std::string bits_of(double value) {
 void compare_literals(const std::string& text) {
   const std::optional<double> expected = reference::read_number(text);
   require(is_number_literal(text) == expected.has_value(), "is_number_literal");
-  const std::optional<double> value = read_finite_number(text);
-  require(value.has_value() == (expected && std::isfinite(*expected)), "read_finite_number");
-  require(!value || is_same_number(*value, *expected), "value of read_finite_number");
+  const bool is_finite = expected && reference::is_finite(*expected);
+  require(is_same_number(read_finite_number(text), is_finite ? expected : std::nullopt),
+          "read_finite_number");
   require_equal(
       outcome_of([&] { return bits_of(parse_finite_number(text, "a label")); }),
       outcome_of([&] { return bits_of(reference::parse_finite_number(text, "a label")); }),
@@ -35,26 +34,14 @@ void compare_literals(const std::string& text) {
 
 // A word, then numbers up to the first that fails, then whatever word is left.
 void compare_fields(const std::string& line) {
-  std::istringstream stream(line);
-  stream.imbue(std::locale::classic());
+  reference::FieldStream stream(line);
   FieldReader fields(line);
-  std::string word;
-  stream >> word;
-  require_equal(std::string(fields.read_word()), word, "first word of a line");
-  for (;;) {
-    double expected = 0.0;
-    const bool has_number = static_cast<bool>(stream >> expected);
-    const std::optional<double> value = fields.read_number();
-    require(value.has_value() == has_number, "whether a field is a number");
-    if (!value) {
-      break;
-    }
-    require(is_same_number(*value, expected), "value of a field");
+  require_equal(std::string(fields.read_word()), stream.read_word(), "first word of a line");
+  for (std::optional<double> expected = 0.0; expected;) {
+    expected = stream.read_number();
+    require(is_same_number(fields.read_number(), expected), "a field");
   }
-  stream.clear();
-  word.clear();
-  stream >> word;
-  require_equal(std::string(fields.read_word()), word, "word behind the numbers");
+  require_equal(std::string(fields.read_word()), stream.read_word(), "word after the numbers");
 }
 
 // A decimal of up to 20 digits from nine bytes, with a point somewhere and at times an exponent:

@@ -2,8 +2,6 @@
 #ifndef VQVEC_TESTS_FUZZ_REQUIRE_HPP
 #define VQVEC_TESTS_FUZZ_REQUIRE_HPP
 
-#include <bit>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -27,14 +25,8 @@ inline void require_equal(const std::string& actual, const std::string& expected
   }
 }
 
-// Bit for bit, so that -0 is not 0. All NaNs are one: which of two operands' NaNs survives is up
-// to the compiler.
-inline bool is_same_number(double a, double b) {
-  return (a != a && b != b) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
-}
-
-// What a call throws, as text; what it returns, as `describe` puts it, behind "= ". Anything that
-// is not a standard exception ends the process.
+// What a call throws or returns, as text. Anything that is not a standard exception ends the
+// process.
 template <typename Call>
 std::string outcome_of(Call call) {
   try {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tests/support/failure.hpp"
-#include "tests/taskstore/work_place.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "taskstore/kv_file.hpp"
-#include "tests/output/environment.hpp"
+#include "tests/support/environment.hpp"
 #include "tests/support/kv_pairs.hpp"
 #include "tests/support/scratch_dir.hpp"
 

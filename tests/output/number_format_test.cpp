@@ -5,12 +5,13 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "tests/reference/print.hpp"
 
 namespace vqvec {
 namespace {
@@ -150,19 +151,10 @@ INSTANTIATE_TEST_SUITE_P(Numbers, FormatFixed10, testing::ValuesIn(fixed10_cases
 
 // Against printf
 
-std::string printed(const char* format, double value) {
-  char text[400];
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  std::snprintf(text, sizeof text, format, value);
-#pragma GCC diagnostic pop
-  return text;
-}
-
 void expect_printed_alike(double value) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
-  ASSERT_EQ(format_value15(value), printed("%.15g", value)) << "bits " << bits;
-  ASSERT_EQ(format_fixed10(value), printed("%.10f", value)) << "bits " << bits;
+  ASSERT_EQ(format_value15(value), reference::print("%.15g", value)) << "bits " << bits;
+  ASSERT_EQ(format_fixed10(value), reference::print("%.10f", value)) << "bits " << bits;
 }
 
 TEST(RandomNumbers, OfAnyBitsArePrintedAsPrintfPrintsThem) {
@@ -178,7 +170,7 @@ TEST(RandomNumbers, OfChemicalSizeArePrintedAsPrintfPrintsThem) {
   for (int i = 0; i < 200'000; ++i) {
     double value = mantissa(random) * std::pow(10.0, static_cast<int>(random() % 22) - 8);
     if (random() % 2 == 0) {  // as a file gives it, with few digits
-      value = std::strtod(printed("%.6f", value).c_str(), nullptr);
+      value = std::strtod(reference::print("%.6f", value).c_str(), nullptr);
     }
     ASSERT_NO_FATAL_FAILURE(expect_printed_alike(value));
   }

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "tests/support/failure.hpp"
+#include "tests/support/ordinary_user.hpp"
 #include "tests/support/scratch_dir.hpp"
-#include "tests/taskstore/ordinary_user.hpp"
 
 namespace vqvec {
 namespace {

@@ -1,5 +1,5 @@
-// Key-value files, geometry files and numbers by the plain means of the standard library: what the
-// fuzzers hold the program's own readers against.
+// Key-value files, geometry files and numbers by the plain means of the standard library. Unit
+// tests and fuzzers compare the program's own readers with these.
 #ifndef VQVEC_TESTS_REFERENCE_FILES_HPP
 #define VQVEC_TESTS_REFERENCE_FILES_HPP
 
@@ -92,6 +92,29 @@ inline std::optional<std::uint64_t> read_count(const std::string& text) {
   return is_negative ? 0 - count : count;
 }
 
+// The fields of a line as the stream operators read them.
+class FieldStream {
+ public:
+  explicit FieldStream(const std::string& line) : stream_(line) {
+    stream_.imbue(std::locale::classic());
+  }
+
+  // After a number that is none, the word begins where reading that has stopped.
+  std::string read_word() {
+    std::string word;
+    stream_.clear();
+    stream_ >> word;
+    return word;
+  }
+  std::optional<double> read_number() {
+    double number = 0.0;
+    return stream_ >> number ? std::optional(number) : std::nullopt;
+  }
+
+ private:
+  std::istringstream stream_;
+};
+
 struct Atom {
   std::string symbol;
   double x = 0.0;
@@ -113,13 +136,15 @@ inline std::vector<Atom> read_xyz_text(const std::string& bytes) {
   std::getline(stream, line);
   std::vector<Atom> atoms;
   while (atoms.size() < count && std::getline(stream, line)) {
-    std::istringstream fields(line);
-    fields.imbue(std::locale::classic());
-    Atom atom;
-    if (!(fields >> atom.symbol >> atom.x >> atom.y >> atom.z)) {
+    FieldStream fields(line);
+    const std::string symbol = fields.read_word();
+    const auto x = fields.read_number();
+    const auto y = fields.read_number();
+    const auto z = fields.read_number();
+    if (!x || !y || !z) {
       return {};
     }
-    atoms.push_back(atom);
+    atoms.push_back({symbol, *x, *y, *z});
   }
   if (atoms.size() < count) {
     return {};

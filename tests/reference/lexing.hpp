@@ -1,6 +1,6 @@
-// The rules of statement text once more, step by step and without any thought of speed: what the
-// fuzzers hold the program's own code against. Nothing of that code is used here, and no two of
-// these functions share a scanner, so that one mistake cannot hide in both.
+// The rules of statement text once more, step by step and without any thought of speed: unit tests
+// and fuzzers compare the program's own code with them. Nothing of that code is used here, and no
+// two of these functions share a scanner, so that one mistake cannot hide in both.
 #ifndef VQVEC_TESTS_REFERENCE_LEXING_HPP
 #define VQVEC_TESTS_REFERENCE_LEXING_HPP
 
@@ -94,8 +94,10 @@ inline Ref parse_atom_vec_ref(const std::string& text) {
 }
 
 struct Call {
-  std::string name;  // empty: not a call
+  std::string name;  // lower-cased; empty: not a call
   std::string argument_text;
+
+  bool operator==(const Call&) const = default;
 };
 
 inline Call parse_function_call(const std::string& text) {
@@ -151,29 +153,6 @@ inline Call parse_function_call(const std::string& text) {
     throw std::runtime_error("unbalanced function expression: " + text);
   }
   return {to_lower(raw_name), s.substr(p + 1, s.size() - p - 2)};
-}
-
-// The greatest number of parentheses open at one place outside quotes; a ')' too many is ignored.
-inline std::size_t deepest_nesting(const std::string& text) {
-  char quote = '\0';
-  bool escape_next = false;
-  std::size_t depth = 0;
-  std::size_t deepest = 0;
-  for (const char c : text) {
-    if (escape_next) {
-      escape_next = false;
-    } else if (quote != '\0') {
-      escape_next = c == '\\';
-      quote = c == quote ? '\0' : quote;
-    } else if (c == '\'' || c == '"') {
-      quote = c;
-    } else if (c == '(') {
-      deepest = std::max(deepest, ++depth);
-    } else if (c == ')' && depth > 0) {
-      --depth;
-    }
-  }
-  return deepest;
 }
 
 inline std::vector<std::string> split_call_arguments(const std::string& text) {
@@ -286,8 +265,8 @@ inline std::vector<std::string> split_option_words(const std::string& text) {
 }
 
 // Plain backtracking, from a place in the pattern and one in the name. Its time grows without
-// bounds with the number of stars, so `steps` says how many calls it may make; below 0 afterwards:
-// it gave up, and the answer means nothing.
+// bounds with the number of stars, so `steps` says how many calls it may make. If it is below 0
+// afterwards, the search was given up and the answer means nothing.
 inline bool wildcard_match(const std::string& pattern, std::size_t p, const std::string& name,
                            std::size_t n, long& steps) {
   if (--steps < 0) {

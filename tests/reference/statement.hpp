@@ -1,4 +1,4 @@
-// The statement parser's rules once more, for the fuzzers to hold the program against.
+// The statement parser's rules once more; the fuzzers compare the program with them.
 #ifndef VQVEC_TESTS_REFERENCE_STATEMENT_HPP
 #define VQVEC_TESTS_REFERENCE_STATEMENT_HPP
 

@@ -32,10 +32,12 @@ class ScratchDir {
   const std::filesystem::path& path() const { return path_; }
   std::string path_of(const std::filesystem::path& name) const { return (path_ / name).string(); }
 
-  // Writes a file, with the directories above it; returns its whole path.
+  // Writes a file, with the directories above it; returns its whole path. An earlier file is
+  // removed first: where the content of a file is replaced, some file systems wait for the disk.
   std::string write(const std::filesystem::path& name, std::string_view bytes) const {
     const std::filesystem::path file = path_ / name;
     std::filesystem::create_directories(file.parent_path());
+    std::filesystem::remove(file);
     std::ofstream(file, std::ios::binary).write(bytes.data(), std::ssize(bytes));
     return file.string();
   }

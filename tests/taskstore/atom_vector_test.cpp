@@ -1,16 +1,17 @@
 #include "taskstore/atom_vector.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
-#include "tests/taskstore/work_place.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {
@@ -107,13 +108,7 @@ TEST_P(LoadedVector, HoldsTheValuesInOrderOfTheAtoms) {
   const WorkPlace work;
   write_task(work, "t", GetParam().files);
   EvalContext context;
-  const AtomVector vector = load_atom_vector(context, "t", GetParam().property);
-  ASSERT_EQ(vector.size(), GetParam().expected.size());
-  for (std::size_t i = 0; i < vector.size(); ++i) {
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(vector[i]),
-              std::bit_cast<std::uint64_t>(GetParam().expected[i]))
-        << "atom " << i + 1 << ": " << vector[i];
-  }
+  EXPECT_THAT(load_atom_vector(context, "t", GetParam().property), exactly(GetParam().expected));
   EXPECT_EQ(context.used_tasks(), UsedTasks{"t"});
 }
 INSTANTIATE_TEST_SUITE_P(Tasks, LoadedVector, testing::ValuesIn(vector_cases),

@@ -21,9 +21,8 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/support/ordinary_user.hpp"
 #include "tests/support/scratch_dir.hpp"
-#include "tests/taskstore/ordinary_user.hpp"
-#include "tests/taskstore/write_anew.hpp"
 
 namespace vqvec {
 
@@ -85,10 +84,10 @@ const std::vector<ReadCase> read_cases = {
      "1\nframe 1\nH 1 2 3\n1\nframe 2\nO 4 5 6\n2\nframe 3\nC 7 8 9\nN 1 1 1\n",
      {{"H", 1, 2, 3}}},
     {"SymbolAsWritten", "2\n\nfe 1 2 3\n26 4 5 6\n", {{"fe", 1, 2, 3}, {"26", 4, 5, 6}}},
-    {"SymbolOfAnyBytes", "1\n\n\xc3\xa9\0\xff 1 2 3\n"s, {{std::string_view("\xc3\xa9\0\xff", 4), 1, 2, 3}}},
-    {"LongSymbol",
-     "1\n\n" + long_symbol + " 1 2 3\n",
-     {{long_symbol, 1, 2, 3}}},
+    {"SymbolOfAnyBytes",
+     "1\n\n\xc3\xa9\0\xff 1 2 3\n"s,
+     {{std::string_view("\xc3\xa9\0\xff", 4), 1, 2, 3}}},
+    {"LongSymbol", "1\n\n" + long_symbol + " 1 2 3\n", {{long_symbol, 1, 2, 3}}},
     {"SymbolThatIsANumber", "1\n\n1.5 1 2 3\n", {{"1.5", 1, 2, 3}}},
     {"SymbolThatLooksLikeAComment", "1\n\n#H 1 2 3\n", {{"#H", 1, 2, 3}}},
     {"CoordinatesWithoutBlanks", "1\n\nH 1-2-3\n", {{"H", 1, -2, -3}}},
@@ -553,7 +552,7 @@ TEST(RandomGeometryFiles, AreReadAsStreamsReadThemBitForBit) {
   for (int i = 0; i < 6'000; ++i) {
     const std::string text = random_geometry_file(random);
     const Atoms expected = plain_read(text);
-    ASSERT_EQ(bits_of(atoms_of_file(write_anew(dir, "in.xyz", text))), bits_of(expected))
+    ASSERT_EQ(bits_of(atoms_of_file(dir.write("in.xyz", text))), bits_of(expected))
         << "file [" << text << "]";
     usable += expected.empty() ? 0U : 1U;
   }
@@ -569,7 +568,7 @@ TEST(RandomGeometryFiles, OfAnyBytesAreReadAsStreamsReadThem) {
     for (auto length = random() % 60; length > 0; --length) {
       text += random() % 8 == 0 ? static_cast<char>(random() % 256) : "\nH  012.-"[random() % 9];
     }
-    ASSERT_EQ(bits_of(atoms_of_file(write_anew(dir, "in.xyz", text))), bits_of(plain_read(text)))
+    ASSERT_EQ(bits_of(atoms_of_file(dir.write("in.xyz", text))), bits_of(plain_read(text)))
         << "file [" << text << "]";
   }
 }

@@ -4,16 +4,14 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <map>
 #include <random>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/reference/files.hpp"
 #include "tests/support/kv_pairs.hpp"
 #include "tests/support/scratch_dir.hpp"
-#include "tests/taskstore/write_anew.hpp"
 
 namespace vqvec {
 namespace {
@@ -205,34 +203,12 @@ TEST(MergeKvFile, LeavesTheMapWhenTheFileIsMissing) {
   EXPECT_EQ(pairs_of(merged), (Pairs{{"k", "v"}}));
 }
 
-// Against the rules in their plainest form
+// Against the plain rules
 
-std::string plain_trim(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) {
-    return "";
-  }
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-std::map<std::string, std::string> plain_read(const std::string& bytes) {
-  std::map<std::string, std::string> pairs;
-  std::istringstream file(bytes);
-  for (std::string raw; std::getline(file, raw);) {
-    const std::string line = plain_trim(raw);
-    if (line.empty() || line[0] == '#') {
-      continue;
-    }
-    const auto equals = line.find('=');
-    if (equals == std::string::npos || equals == 0) {
-      continue;
-    }
-    const std::string key = plain_trim(line.substr(0, equals));
-    if (!key.empty()) {
-      pairs[key] = line.substr(equals + 1);
-    }
-  }
-  return pairs;
+Pairs plain_read(const std::string& bytes) {
+  reference::KvMap pairs;
+  reference::merge_kv_text(pairs, bytes);
+  return {pairs.begin(), pairs.end()};
 }
 
 std::string random_file(std::mt19937_64& random) {
@@ -254,9 +230,8 @@ TEST(RandomKvFiles, AreReadByThePlainRules) {
   std::size_t pairs_read = 0;
   for (int i = 0; i < 6'000; ++i) {
     const std::string bytes = random_file(random);
-    const auto expected = plain_read(bytes);
-    ASSERT_EQ(pairs_of(read_kv_file(write_anew(dir, "in.kv", bytes))),
-              Pairs(expected.begin(), expected.end()))
+    const Pairs expected = plain_read(bytes);
+    ASSERT_EQ(pairs_of(read_kv_file(dir.write("in.kv", bytes))), expected)
         << "file [" << bytes << "]";
     pairs_read += expected.size();
   }
@@ -274,10 +249,7 @@ TEST(RandomKvFiles, AreReadByThePlainRulesWhenTheyAreLong) {
         bytes.append(random() % 40'000, "= x"[random() % 3]);
       }
     }
-    const auto expected = plain_read(bytes);
-    ASSERT_EQ(pairs_of(read_kv_file(write_anew(dir, "in.kv", bytes))),
-              Pairs(expected.begin(), expected.end()))
-        << "file " << i;
+    ASSERT_EQ(pairs_of(read_kv_file(dir.write("in.kv", bytes))), plain_read(bytes)) << "file " << i;
   }
 }
 
@@ -287,10 +259,9 @@ TEST(RandomKvFiles, MergeAsOneFileBehindTheOther) {
   for (int i = 0; i < 1'000; ++i) {
     const std::string first = random_file(random);
     const std::string second = random_file(random);
-    KvMap merged = read_kv_file(write_anew(dir, "first.kv", first));
-    merge_kv_file(merged, write_anew(dir, "second.kv", second));
-    const auto expected = plain_read(first + "\n" + second);
-    ASSERT_EQ(pairs_of(merged), Pairs(expected.begin(), expected.end()))
+    KvMap merged = read_kv_file(dir.write("first.kv", first));
+    merge_kv_file(merged, dir.write("second.kv", second));
+    ASSERT_EQ(pairs_of(merged), plain_read(first + "\n" + second))
         << "files [" << first << "] and [" << second << "]";
   }
 }

@@ -13,9 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/ordinary_user.hpp"
 #include "tests/support/scratch_dir.hpp"
-#include "tests/taskstore/ordinary_user.hpp"
-#include "tests/taskstore/write_anew.hpp"
 
 namespace vqvec {
 namespace {
@@ -246,7 +245,7 @@ TEST(LineReader, ReadsTheLinesThatAStreamReads) {
     for (std::string line; std::getline(stream, line);) {
       expected.push_back(line);
     }
-    ASSERT_EQ(lines_of(write_anew(dir, "in", text)), expected) << "file " << i;
+    ASSERT_EQ(lines_of(dir.write("in", text)), expected) << "file " << i;
   }
 }
 

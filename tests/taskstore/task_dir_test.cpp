@@ -14,8 +14,8 @@
 
 #include "taskstore/eval_context.hpp"
 #include "tests/support/kv_pairs.hpp"
-#include "tests/taskstore/ordinary_user.hpp"
-#include "tests/taskstore/work_place.hpp"
+#include "tests/support/ordinary_user.hpp"
+#include "tests/support/task_tree.hpp"
 
 namespace vqvec {
 namespace {

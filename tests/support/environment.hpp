@@ -1,6 +1,6 @@
 // The environment variables that end up in the snapshot.
-#ifndef VQVEC_TESTS_OUTPUT_ENVIRONMENT_HPP
-#define VQVEC_TESTS_OUTPUT_ENVIRONMENT_HPP
+#ifndef VQVEC_TESTS_SUPPORT_ENVIRONMENT_HPP
+#define VQVEC_TESTS_SUPPORT_ENVIRONMENT_HPP
 
 #include <cstdlib>
 #include <optional>
@@ -57,4 +57,4 @@ class TaskEnvironment {
 
 }  // namespace vqvec
 
-#endif  // VQVEC_TESTS_OUTPUT_ENVIRONMENT_HPP
+#endif  // VQVEC_TESTS_SUPPORT_ENVIRONMENT_HPP

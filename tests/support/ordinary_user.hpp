@@ -1,6 +1,6 @@
 // Permissions mean nothing to the superuser, as whom the tests may run.
-#ifndef VQVEC_TESTS_TASKSTORE_ORDINARY_USER_HPP
-#define VQVEC_TESTS_TASKSTORE_ORDINARY_USER_HPP
+#ifndef VQVEC_TESTS_SUPPORT_ORDINARY_USER_HPP
+#define VQVEC_TESTS_SUPPORT_ORDINARY_USER_HPP
 
 #include <unistd.h>
 
@@ -28,4 +28,4 @@ class OrdinaryUser {
 
 }  // namespace vqvec
 
-#endif  // VQVEC_TESTS_TASKSTORE_ORDINARY_USER_HPP
+#endif  // VQVEC_TESTS_SUPPORT_ORDINARY_USER_HPP
