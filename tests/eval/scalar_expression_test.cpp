@@ -12,6 +12,7 @@
 #include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
 #include "tests/support/task_tree.hpp"
+#include "tests/support/test_in_tree.hpp"
 
 namespace vqvec {
 namespace {
@@ -86,10 +87,7 @@ const std::vector<ValueCase> value_cases = {
     {"BlankBehindAtSign", "@ scrf.charge", 0.5},
     {"BlankBeforeDot", "@scrf .charge", 0.5},
 };
-class ScalarExpression : public testing::TestWithParam<ValueCase> {
- private:
-  Tree tree_;
-};
+class ScalarExpression : public TestInTree<Tree, ValueCase> {};
 
 TEST_P(ScalarExpression, HasThisValue) {
   EvalContext context;
@@ -179,10 +177,7 @@ const std::vector<FailureCase> failure_cases = {
     {"VerticalTabBeforeKey", "\v@charge", unsupported + "\v@charge"},
     {"Utf8", "\xe7\x94\xb5", unsupported + "\xe7\x94\xb5"},
 };
-class BadScalarExpression : public testing::TestWithParam<FailureCase> {
- private:
-  Tree tree_;
-};
+class BadScalarExpression : public TestInTree<Tree, FailureCase> {};
 
 TEST_P(BadScalarExpression, Fails) {
   EvalContext context;

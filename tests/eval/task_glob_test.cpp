@@ -15,6 +15,7 @@
 #include "tests/reference/lexing.hpp"
 #include "tests/support/failure.hpp"
 #include "tests/support/task_tree.hpp"
+#include "tests/support/test_in_tree.hpp"
 
 namespace vqvec {
 namespace {
@@ -221,10 +222,7 @@ const std::vector<ExpandCase> expand_cases = {
     {"NestedCall", "neg(run1:q)", {"neg(run1"}},
     {"BracketsOnly", "r[12]:q", {"r[12]"}},
 };
-class ExpandGlob : public testing::TestWithParam<ExpandCase> {
- private:
-  GlobTree tree_;
-};
+class ExpandGlob : public TestInTree<GlobTree, ExpandCase> {};
 
 TEST_P(ExpandGlob, GivesTheseTasks) {
   TextPool pool;
@@ -275,10 +273,7 @@ const std::vector<FailureCase> failure_cases = {
     {"EmptyProperty", "run*:", "atomvec target property cannot be empty"},
     {"BadProperty", "run*:a b", "atomvec property contains an unsafe character: a b"},
 };
-class BadGlob : public testing::TestWithParam<FailureCase> {
- private:
-  GlobTree tree_;
-};
+class BadGlob : public TestInTree<GlobTree, FailureCase> {};
 
 TEST_P(BadGlob, Fails) {
   EXPECT_EQ(failure_of_expanding(GetParam().pattern), GetParam().message);

@@ -13,6 +13,7 @@
 #include "tests/support/exactly.hpp"
 #include "tests/support/failure.hpp"
 #include "tests/support/task_tree.hpp"
+#include "tests/support/test_in_tree.hpp"
 
 namespace vqvec {
 namespace {
@@ -83,10 +84,7 @@ struct ValueCase {
   AtomVector expected;
   Tasks used_tasks;
 };
-class VectorExpression : public testing::TestWithParam<ValueCase> {
- private:
-  Tree tree_;
-};
+class VectorExpression : public TestInTree<Tree, ValueCase> {};
 
 TEST_P(VectorExpression, HasThisValueAndUsesTheseTasks) {
   EvalContext context;
@@ -301,10 +299,7 @@ const std::vector<WeightCase> weight_cases = {
     {"SumOfSingleCall", "sum(mean(neg(a:q)))", {-24, -48}, {2, 4}, {"neg(a", "a", "t1", "t2"}},
     {"SumComesBeforeTheTasks", "sum(t2:q)", {36, 72}, {2, 4}, {"t2", "t1"}},
 };
-class Weight : public testing::TestWithParam<WeightCase> {
- private:
-  Tree tree_;
-};
+class Weight : public TestInTree<Tree, WeightCase> {};
 
 TEST_P(Weight, CountsInSums) {
   for (const char* name : {"wsum", "weighted_sum"}) {
@@ -351,10 +346,7 @@ const std::vector<CountCase> count_cases = {
     {"renorm", 2, "renorm() expects a vector and a target sum"},
     {"renormalize", 2, "renormalize() expects a vector and a target sum"},
 };
-class ArgumentCount : public testing::TestWithParam<CountCase> {
- private:
-  Tree tree_;
-};
+class ArgumentCount : public TestInTree<Tree, CountCase> {};
 
 TEST_P(ArgumentCount, IsJudgedBeforeAnyArgument) {
   const std::size_t most = GetParam().right_count == 0 ? 0 : 4;
@@ -385,10 +377,7 @@ struct FailureCase {
   std::string message;
   Tasks used_tasks = {};
 };
-class BadVectorExpression : public testing::TestWithParam<FailureCase> {
- private:
-  Tree tree_;
-};
+class BadVectorExpression : public TestInTree<Tree, FailureCase> {};
 
 TEST_P(BadVectorExpression, Fails) {
   EvalContext context;
@@ -652,10 +641,7 @@ const std::vector<FailureCase> weighted_failures = {
     {"BadVector", "F(g*:q, 1)", "g2:q atom 1 is not a finite number: abc", {"g1", "g2"}},
 };
 
-class BadWeighted : public testing::TestWithParam<FailureCase> {
- private:
-  Tree tree_;
-};
+class BadWeighted : public TestInTree<Tree, FailureCase> {};
 
 std::string with_name(std::string text, const std::string& function) {
   for (auto at = text.find("F("); at != std::string::npos; at = text.find("F(")) {
@@ -698,10 +684,7 @@ const std::vector<FailureCase> total_failures = {
      "F() cannot normalize zero/non-finite total weight",
      {"t1", "t2"}},
 };
-class BadTotalWeight : public testing::TestWithParam<FailureCase> {
- private:
-  Tree tree_;
-};
+class BadTotalWeight : public TestInTree<Tree, FailureCase> {};
 
 TEST_P(BadTotalWeight, FailsInMeansOnly) {
   for (const char* function : {"wmean", "weighted_mean", "wavg"}) {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -48,7 +49,9 @@ class ScratchDir {
     if (!file) {
       throw std::runtime_error("no file " + (path_ / name).string());
     }
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
   }
 
  private:
