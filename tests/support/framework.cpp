@@ -1,0 +1,1 @@
+// Nothing: its target only precompiles the test framework's headers.
