@@ -13,7 +13,7 @@ namespace vqvec {
 namespace {
 
 // Bounds the memory for a line without end.
-constexpr std::size_t longest_line = std::size_t{256} * 1024 * 1024;
+constexpr std::size_t longest_line = std::size_t{128} * 1024 * 1024;
 
 // Nothing when the line does not begin with a symbol and three coordinates.
 std::optional<GeomAtom> parse_atom_line(std::string_view line) {
