@@ -71,6 +71,8 @@ const std::vector<NumberCase> number_cases = {
     {"JustAboveHalfway", "9007199254740993.0000000000000000000000001", 9007199254740994.0},
     {"ManyDigits", "0.1000000000000000055511151231257827021181583404541015625", 0.1},
     {"LongIntegerAndExponent", "1" + std::string(400, '0') + "e-400", 1.0},
+    {"EighteenDecimals", ".000000000000000001", 1e-18},
+    {"NineteenDecimals", ".0000000000000000001", 1e-19},
     {"LongFractionAndExponent", "0." + std::string(400, '0') + "1e401", 1.0},
     {"MoreZerosThanADoubleCanHold", "0." + std::string(100'000, '0') + "1", 0.0},
     {"AHundredThousandBlanks", std::string(100'000, ' ') + "1" + std::string(100'000, '\t'), 1.0},

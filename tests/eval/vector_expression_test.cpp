@@ -247,6 +247,7 @@ const std::vector<ValueCase> weighted_cases = {
     {"SumOverflows", "wsum(t*:q, 1e308)", {infinity, infinity}, {"t1", "t2"}},
     {"MeanOfOne", "wmean(t1:q, w)", {1, 2}, {"t1"}},
     {"MeanDivides", "wavg(u*:q, 1)", {1.6666666666666667, 0.20000000000000004}, {"u1", "u2", "u3"}},
+    {"MeanWithADenormalTotal", "wmean(t1:q, 1e-310)", {1, 2}, {"t1"}},
     {"MeanOfPaths", "wmean(calc/s*:q, w)", {3}, {"calc/s1", "calc/s2"}},
     {"MeanOfTwins", "wmean(du*:q, 2)", {1}, {"dup"}},
     {"NameInAnyCase", "Weighted_Mean (t*:q, w)", {2.5, 5}, {"t1", "t2"}},

@@ -1,10 +1,18 @@
 #include "output/text_file.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
+#include <future>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -261,6 +269,85 @@ TEST(TextFile, InADirectoryThatMayNotBeWrittenIsAFailure) {
   }
   fs::permissions(dir.path(), fs::perms(0755));
   EXPECT_TRUE(fs::is_empty(dir.path()));
+}
+
+// A limit on the size of every file, until the end of the scope. A write that would go beyond takes
+// what there is room for; the next one fails.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : handler_before_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit = {bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_before_);
+  }
+
+ private:
+  void (*handler_before_)(int);
+  rlimit before_ = {};
+};
+
+TEST(TextFile, ThatIsCutShortIsAFailure) {
+  for (const Writer writer : {append_text_file, write_text_file}) {
+    const ScratchDir dir;
+    const std::string path = dir.path_of("v.kv");
+    std::string failure;
+    {
+      const FileSizeLimit limit(1'000);
+      failure = failure_of([&] { writer(path, std::string(3'000, 'x')); });
+    }
+    EXPECT_EQ(failure, "could not write file: " + path);
+    EXPECT_EQ(dir.read("v.kv"), std::string(1'000, 'x'));
+  }
+}
+
+// The descriptor, other than this one, by which the process has a file open; -1 when there is none.
+int other_descriptor_of(const fs::path& file, int descriptor) {
+  std::error_code ignored;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd", ignored)) {
+    const int other = std::stoi(entry.path().filename());
+    if (other != descriptor && fs::read_symlink(entry, ignored) == file) {
+      return other;
+    }
+  }
+  return -1;
+}
+
+// Takes a text out of a FIFO. When it begins to come, the writer's descriptor is closed: the write
+// goes on, but the writer's own close will fail. Nothing comes back if that can't be done.
+std::string take_text_and_descriptor(const fs::path& fifo, int reader) {
+  constexpr int patience = 10'000;  // milliseconds
+  pollfd beginning = {reader, POLLIN, 0};
+  if (poll(&beginning, 1, patience) != 1 || close(other_descriptor_of(fifo, reader)) != 0) {
+    return "";
+  }
+  fcntl(reader, F_SETFL, 0);  // wait for the rest
+  std::string text;
+  char piece[10'000];
+  for (auto size = read(reader, piece, sizeof piece); size > 0;
+       size = read(reader, piece, sizeof piece)) {
+    text.append(piece, static_cast<std::size_t>(size));
+  }
+  return text;
+}
+
+TEST(TextFile, ThatFailsOnlyWhenItIsClosedIsWritten) {
+  const std::string text(1'000'000, 'x');  // more than a FIFO holds, so the write waits
+  for (const Writer writer : {append_text_file, write_text_file}) {
+    const ScratchDir dir;
+    const std::string fifo = dir.path_of("fifo");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+    auto taken = std::async(std::launch::async, take_text_and_descriptor, fifo, reader);
+    EXPECT_EQ(failure_of([&] { writer(fifo, text); }), "(no failure)");
+    EXPECT_TRUE(taken.get() == text);
+    close(reader);
+  }
 }
 
 // Runs side by side
