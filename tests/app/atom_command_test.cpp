@@ -40,13 +40,13 @@ class AtomCommandTest {
 
   const WorkPlace& work() const { return work_; }
 
-  // The words are those behind `vqvec atom`.
+  // The words are those after `vqvec atom`.
   Outcome run(Words words) const {
     words.insert(words.begin(), {"vqvec", "atom"});
     return call(run_atom_command, words);
   }
 
-  // All files in and below the working directory.
+  // All files below the working directory.
   Files files() const {
     Files found;
     const fs::path here = work_.path_of("job/here");
@@ -96,10 +96,10 @@ const std::vector<RunCase> usage_cases = {
     {"ShortHelp", {"-h"}, usage_asked_for, {}},
     {"LongHelp", {"--help"}, usage_asked_for, {}},
     {"HelpBeforeAStatement", {"--help", "--dsl", "x = a:q"}, usage_asked_for, {}},
-    {"HelpBehindAStatement", {"--dsl", "x = a:q", "-h"}, usage_asked_for, {}},
-    {"HelpBehindABadStatement", {"--dsl", "nonsense", "--help"}, usage_asked_for, {}},
+    {"HelpAfterAStatement", {"--dsl", "x = a:q", "-h"}, usage_asked_for, {}},
+    {"HelpAfterABadStatement", {"--dsl", "nonsense", "--help"}, usage_asked_for, {}},
     {"HelpAmongLooseWords", {"x", "=", "-h", "a:q"}, usage_asked_for, {}},
-    {"HelpHidesAMissingValueBehindIt", {"-h", "--dsl"}, usage_asked_for, {}},
+    {"HelpHidesAMissingValueAfterIt", {"-h", "--dsl"}, usage_asked_for, {}},
     {"HelpText", {"--dsl", "__HELP__"}, usage_asked_for, {}},
     {"HelpTextAsALooseWord", {"__HELP__"}, usage_asked_for, {}},
     {"HelpTextAndLooseWords", {"--dsl", "__HELP__", "x = a:q"}, usage_asked_for, {}},
@@ -146,11 +146,11 @@ const std::vector<RunCase> word_failures = {
      {"--dsl", " \tx\n"},
      {-1, "atomvec syntax requires '<target> = <expr>':  \tx\n", "", ""},
      {}},
-    {"TwoEmptyLooseWordsMakeABlank",
+    {"TwoEmptyLooseWordsMakeASpace",
      {"", ""},
      {-1, "atomvec syntax requires '<target> = <expr>':  ", "", ""},
      {}},
-    {"HelpTextBetweenBlanksIsAStatement",
+    {"HelpTextBetweenSpacesIsAStatement",
      {"--dsl", " __HELP__"},
      {-1, "atomvec syntax requires '<target> = <expr>':  __HELP__", "", ""},
      {}},
@@ -170,11 +170,11 @@ const std::vector<RunCase> word_failures = {
      {"--sum", "0", "x = a:q"},
      {-1, "atomvec property contains an unsafe character: --sum 0 x", "", ""},
      {}},
-    {"UnknownOptionBehindLooseWords",
+    {"UnknownOptionAfterLooseWords",
      {"x = a:q", "--verbose"},
      {-1, "unknown atomvec option: --verbose", "", ""},
      {}},
-    {"StrayWordBehindLooseOptions",
+    {"StrayWordAfterLooseOptions",
      {"x = a:q", "--sum", "0", "stray"},
      {-1, "unknown atomvec option: stray", "", ""},
      {}},
@@ -226,7 +226,7 @@ const std::vector<RunCase> run_cases = {
      {"--dsl", "y = b:q", "--dsl", "x = a:q"},
      wrote_x,
      {{".vorq.values.kv", x_lines}}},
-    {"StatementBehindAnEmptyOne",
+    {"StatementAfterAnEmptyOne",
      {"--dsl", "", "--dsl", "x = a:q", "y = b:q"},
      wrote_x,
      {{".vorq.values.kv", x_lines}}},

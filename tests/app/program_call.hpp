@@ -1,4 +1,4 @@
-// Calling the program's functions with a command line, and what they say on the two streams.
+// Calling the program's functions with a command line, and what they print on the two streams.
 #ifndef VQVEC_TESTS_APP_PROGRAM_CALL_HPP
 #define VQVEC_TESTS_APP_PROGRAM_CALL_HPP
 

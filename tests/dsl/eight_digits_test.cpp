@@ -16,7 +16,7 @@ std::string stored(std::uint64_t bytes) {
   return text;
 }
 
-constexpr std::uint64_t step = 997;  // prime to ten: every digit comes in every place
+constexpr std::uint64_t step = 997;  // prime to ten, so that every digit comes up in every place
 
 TEST(EightDigits, NumbersAreWritten) {
   for (std::uint64_t number = 0; number < limit; number += step) {
@@ -47,7 +47,7 @@ TEST(EightDigits, LargestNumber) {
   EXPECT_EQ(stored(from_number(limit - 1)), "99999999");
 }
 
-// Of all 256 characters in one place of a text, those that leave it digits.
+// Those of the 256 characters that, put into one place of a text, leave it all digits.
 std::string digits_in_place(std::string text, std::size_t place) {
   std::string accepted;
   for (int character = 0; character <= std::numeric_limits<unsigned char>::max(); ++character) {

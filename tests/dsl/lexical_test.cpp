@@ -38,19 +38,19 @@ struct TextCase {
 const std::vector<TextCase> trim_cases = {
     {"Empty", "", ""},
     {"NothingToTrim", "a b", "a b"},
-    {"AllFourBlanksAtBothEnds", " \t\r\na b\n\r\t ", "a b"},
-    {"BlanksOnly", " \t\r\n \t\r\n", ""},
+    {"AllFourBytesAtBothEnds", " \t\r\na b\n\r\t ", "a b"},
+    {"SpacesOnly", " \t\r\n \t\r\n", ""},
     {"OneByte", " x ", "x"},
     {"VerticalTabStays", "\va\v", "\va\v"},
     {"FormFeedStays", "\fa\f", "\fa\f"},
-    {"BlankBehindVerticalTabStays", " \v a \f ", "\v a \f"},
+    {"SpaceAfterVerticalTabStays", " \v a \f ", "\v a \f"},
     {"NulStays", " \0a\0 "s, "\0a\0"s},
     {"NoBreakSpaceStays", "\xc2\xa0 a \xc2\xa0", "\xc2\xa0 a \xc2\xa0"},
     {"ByteA0Stays", "\xa0", "\xa0"},
 };
 class Trim : public testing::TestWithParam<TextCase> {};
 
-TEST_P(Trim, StripsBlanksAtBothEnds) {
+TEST_P(Trim, StripsSpacesAtBothEnds) {
   EXPECT_EQ(trim(GetParam().text), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(Texts, Trim, testing::ValuesIn(trim_cases),
@@ -64,11 +64,11 @@ TEST(TrimBytes, StripsExactlyFourOfAll) {
   }
 }
 
-TEST(TrimBytes, TakesAHundredThousandBlanks) {
-  const std::string blanks(100'000, ' ');
-  const std::string text = blanks + "a" + blanks + "b" + blanks;
-  EXPECT_EQ(trim(text), "a" + blanks + "b");
-  EXPECT_EQ(trim(blanks), "");
+TEST(TrimBytes, TakesAHundredThousandSpaces) {
+  const std::string spaces(100'000, ' ');
+  const std::string text = spaces + "a" + spaces + "b" + spaces;
+  EXPECT_EQ(trim(text), "a" + spaces + "b");
+  EXPECT_EQ(trim(spaces), "");
 }
 
 TEST(TrimBytes, TakesALiteral) {
@@ -107,13 +107,13 @@ TEST(ToLowerBytes, ChangesOnlyTheAlphabet) {
 
 const std::vector<TextCase> unquote_cases = {
     {"Empty", "", ""},
-    {"BlanksOnly", " \t\r\n", ""},
+    {"SpacesOnly", " \t\r\n", ""},
     {"BareText", "a:q", "a:q"},
     {"BareTextIsTrimmed", " \t\r\na:q\n\r\t ", "a:q"},
     {"SingleQuotes", "'a:q'", "a:q"},
     {"DoubleQuotes", "\"a:q\"", "a:q"},
-    {"BlanksAroundQuotes", " 'a' \n", "a"},
-    {"BlanksInsideQuotesStay", "' a\t'", " a\t"},
+    {"SpacesAroundQuotes", " 'a' \n", "a"},
+    {"SpacesInsideQuotesStay", "' a\t'", " a\t"},
     {"EmptySingleQuotes", "''", ""},
     {"EmptyDoubleQuotes", "\"\"", ""},
     {"LoneSingleQuote", "'", "'"},

@@ -45,13 +45,13 @@ const std::vector<WordsCase> words_cases = {
     {"EscapedBackslashInDoubleQuotes", R"("a\\" b)", {R"(a\)", "b"}},
     {"OtherBackslashInDoubleQuotesStays", R"("a\'b\n\ c")", {R"(a\'b\n\ c)"}},
     {"BackslashesBeforeClosingQuote", R"("\\\\" x)", {R"(\\)", "x"}},
-    {"EscapedBlankJoins", R"(my\ file.xyz)", {"my file.xyz"}},
+    {"EscapedSpaceJoins", R"(my\ file.xyz)", {"my file.xyz"}},
     {"EscapedTabJoins", "a\\\tb", {"a\tb"}},
     {"EscapedLineFeedJoins", "a\\\nb", {"a\nb"}},
     {"EscapedVerticalTabJoins", "a\\\vb", {"a\vb"}},
     {"EscapedFormFeedJoins", "a\\\fb", {"a\fb"}},
-    {"EscapedBlankIsAWord", "\\ ", {" "}},
-    {"EscapedBlankThenBlank", "a\\  b", {"a ", "b"}},
+    {"EscapedSpaceIsAWord", "\\ ", {" "}},
+    {"EscapedSpaceThenSpace", "a\\  b", {"a ", "b"}},
     {"EscapedSingleQuote", R"(a\'b c)", {"a'b", "c"}},
     {"EscapedDoubleQuote", R"(a\"b c)", {"a\"b", "c"}},
     {"EscapedBackslash", R"(a\\ b)", {R"(a\)", "b"}},
@@ -59,12 +59,12 @@ const std::vector<WordsCase> words_cases = {
     {"OtherBackslashStays", R"(C:\new\dir)", {R"(C:\new\dir)"}},
     {"BackslashLast", R"(a\)", {R"(a\)"}},
     {"BackslashAlone", R"(\)", {R"(\)"}},
-    {"BackslashBehindBlank", R"(a \)", {"a", R"(\)"}},
+    {"BackslashAfterSpace", R"(a \)", {"a", R"(\)"}},
     {"BackslashBeforeNulStays", "a\\\0b"s, {"a\\\0b"s}},
     {"BackslashBeforeNulStaysInDoubleQuotes", "\"\\\0\""s, {"\\\0"s}},
     {"OpenSingleQuoteRunsToTheEnd", "'a b --sum 1", {"a b --sum 1"}},
     {"OpenDoubleQuoteRunsToTheEnd", "x \"a b ", {"x", "a b "}},
-    {"OpenQuoteWithNothingBehindIsAWord", "a '", {"a", ""}},
+    {"OpenQuoteWithNothingAfterIsAWord", "a '", {"a", ""}},
     {"OpenDoubleQuoteAndBackslash", R"("a\)", {R"(a\)"}},
     {"OpenDoubleQuoteAndEscape", R"("a\")", {R"(a")"}},
     {"NulIsAWord", "\0"s, {"\0"s}},
@@ -76,7 +76,7 @@ const std::vector<WordsCase> words_cases = {
       "b\x85\xff",
       "\xc3\xa9"}},
     {"EqualsAndParenthesesAreOrdinary", "a=(b c)", {"a=(b", "c)"}},
-    {"AHundredThousandBlanks", "a" + std::string(100'000, ' ') + "b", {"a", "b"}},
+    {"AHundredThousandSpaces", "a" + std::string(100'000, ' ') + "b", {"a", "b"}},
     {"MegabyteWord", std::string(1 << 20, 'x'), {std::string(1 << 20, 'x')}},
 };
 class OptionWords : public testing::TestWithParam<WordsCase> {};
@@ -119,7 +119,7 @@ TEST(TakeOptionValue, TakesAnyWord) {
   EXPECT_EQ(index, 2U);
 }
 
-TEST(TakeOptionValue, FailsBehindTheLastWord) {
+TEST(TakeOptionValue, FailsAfterTheLastWord) {
   const Words words = {"--check", "--geom"};
   std::size_t index = 1;
   EXPECT_EQ(failure_of([&] { take_option_value(words, index, "--geom"); }),

@@ -45,7 +45,7 @@ struct ValueCase {
 const std::vector<ValueCase> value_cases = {
     // Literals
     {"Number", "2.5", 2.5},
-    {"BlanksAroundNumber", " \t\r\n2.5\n\r\t ", 2.5},
+    {"SpacesAroundNumber", " \t\r\n2.5\n\r\t ", 2.5},
     {"NegativeExponent", "-1e-3", -0.001},
     {"LeadingPlus", "+2", 2},
     {"Hexadecimal", "0x10", 16},
@@ -55,7 +55,7 @@ const std::vector<ValueCase> value_cases = {
     // Sums
     {"Sum", "sum(scrf:q)", 6, {"scrf"}},
     {"SumInAnyCase", "SUM(scrf:q)", 6, {"scrf"}},
-    {"SumWithBlanks", " Sum ( scrf : q ) ", 6, {"scrf"}},
+    {"SumWithSpaces", " Sum ( scrf : q ) ", 6, {"scrf"}},
     {"SumOfQuotedReference", "sum('scrf:q')", 6, {"scrf"}},
     {"SumOfCall", "sum(neg(scrf:q))", -6, {"scrf"}},
     {"SumOfGlobbingCall", "sum(mean(t*:q))", 6, {"t1", "t2"}},
@@ -73,19 +73,19 @@ const std::vector<ValueCase> value_cases = {
     {"SumOfMeanOfNestedCall", "sum(mean(neg(scrf:q)))", -6, {"neg(scrf", "scrf"}},
     // Task keys
     {"OwnKey", "@charge", -1},
-    {"OwnKeyWithBlanksAround", " \t@charge\n", -1},
-    {"OwnKeyWithBlankInside", "@x y", 9},
+    {"OwnKeyWithSpacesAround", " \t@charge\n", -1},
+    {"OwnKeyWithSpaceInside", "@x y", 9},
     {"TaskKey", "@scrf.charge", 0.5},
-    {"KeyBeginsBehindFirstDot", "@scrf.x.y", 4},
+    {"KeyBeginsAfterFirstDot", "@scrf.x.y", 4},
     {"ShorterKeyOfThatTask", "@scrf.x", 3},
-    {"ValueWithLeadingBlank", "@scrf.blank", 6},
+    {"ValueWithLeadingSpace", "@scrf.blank", 6},
     {"PerAtomKey", "@scrf.atoms.2.q", 2},
     {"EmptyTaskIsTheWorkingDirectory", "@.charge", -1},
     {"KeyThatBeginsWithADot", "@..dotted", 8},
     {"SelfTask", "@self.charge", -1},
     {"CurrentTaskInAnyCase", "@Current.charge", -1},
-    {"BlankBehindAtSign", "@ scrf.charge", 0.5},
-    {"BlankBeforeDot", "@scrf .charge", 0.5},
+    {"SpaceAfterAtSign", "@ scrf.charge", 0.5},
+    {"SpaceBeforeDot", "@scrf .charge", 0.5},
 };
 class ScalarExpression : public TestInTree<Tree, ValueCase> {};
 
@@ -109,7 +109,7 @@ const std::string one_vector = "sum() expects one vector argument";
 
 const std::vector<FailureCase> failure_cases = {
     {"Empty", "", "empty scalar expression"},
-    {"BlanksOnly", " \t\r\n", "empty scalar expression"},
+    {"SpacesOnly", " \t\r\n", "empty scalar expression"},
     // Literals
     {"Infinity", "inf", "scalar literal is not a finite number: inf"},
     {"NegativeInfinity", "-Infinity", "scalar literal is not a finite number: -Infinity"},
@@ -119,7 +119,7 @@ const std::vector<FailureCase> failure_cases = {
     {"TooLarge", "1e999", "scalar literal is not a finite number: 1e999"},
     // Sums
     {"SumOfNothing", "sum()", one_vector},
-    {"SumOfBlanks", "sum( )", one_vector},
+    {"SumOfSpaces", "sum( )", one_vector},
     {"SumOfTwo", "sum(scrf:q, t1:q)", one_vector},
     {"SumOfTwoIsNotEvaluated", "sum(nope:q, nope:q)", one_vector},
     {"SumOfEmptyPieces", "sum(,,)", one_vector},
@@ -138,7 +138,7 @@ const std::vector<FailureCase> failure_cases = {
     {"KeysAreCaseSensitive", "@scrf.Charge", "task 'scrf' does not contain scalar 'Charge'"},
     {"AtSignOnly", "@", "task '.' does not contain scalar ''"},
     {"AtSignAndDot", "@.", "task '' does not contain scalar ''"},
-    {"NoKeyBehindDot", "@scrf.", "task 'scrf' does not contain scalar ''"},
+    {"NoKeyAfterDot", "@scrf.", "task 'scrf' does not contain scalar ''"},
     {"TaskIsNotTrimmedInMessage", "@ scrf .nokey", "task ' scrf ' does not contain scalar 'nokey'"},
     {"KeyIsNotTrimmed", "@scrf. charge", "task 'scrf' does not contain scalar ' charge'"},
     {"OwnKeyIsNotTrimmed", "@ charge", "task '.' does not contain scalar ' charge'"},
@@ -151,8 +151,8 @@ const std::vector<FailureCase> failure_cases = {
     {"EmptyValue", "@scrf.empty", "@scrf.empty is not a finite number: "},
     {"InfiniteValue", "@scrf.infinite", "@scrf.infinite is not a finite number: inf"},
     {"TooLargeValue", "@scrf.huge", "@scrf.huge is not a finite number: 1e999"},
-    {"OperatorBehindKey", "@charge+1", "task '.' does not contain scalar 'charge+1'"},
-    {"CallBehindAtSign", "@sum(scrf:q)", "task '.' does not contain scalar 'sum(scrf:q)'"},
+    {"OperatorAfterKey", "@charge+1", "task '.' does not contain scalar 'charge+1'"},
+    {"CallAfterAtSign", "@sum(scrf:q)", "task '.' does not contain scalar 'sum(scrf:q)'"},
     // Anything else
     {"Operator", "1+2", unsupported + "1+2"},
     {"UntrimmedTextIsNamed", " 1+2\n", unsupported + " 1+2\n"},
@@ -173,7 +173,7 @@ const std::vector<FailureCase> failure_cases = {
     {"QuotedSum", "'sum(scrf:q)'", unsupported + "'sum(scrf:q)'"},
     {"QuotedKey", "\"@charge\"", unsupported + "\"@charge\""},
     {"Comma", "1,5", unsupported + "1,5"},
-    {"VerticalTabBehindNumber", "1\v", unsupported + "1\v"},
+    {"VerticalTabAfterNumber", "1\v", unsupported + "1\v"},
     {"VerticalTabBeforeKey", "\v@charge", unsupported + "\v@charge"},
     {"Utf8", "\xe7\x94\xb5", unsupported + "\xe7\x94\xb5"},
 };

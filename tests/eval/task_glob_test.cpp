@@ -49,7 +49,7 @@ const std::vector<MatchCase> match_cases = {
     {"Other", "run1", "run2", false},
     {"NameLonger", "run", "run1", false},
     {"NameShorter", "run1", "run", false},
-    {"CaseCounts", "Run*", "run1", false},
+    {"CaseMatters", "Run*", "run1", false},
     {"StarAlone", "*", "anything", true},
     {"StarMatchesEmptyName", "*", "", true},
     {"StarMatchesEmptyRun", "run*", "run", true},
@@ -60,7 +60,7 @@ const std::vector<MatchCase> match_cases = {
     {"StarNeedsTheWholeRest", "*run", "run1", false},
     {"StarTriesAgain", "*ab", "aab", true},
     {"StarTakesTheLastChance", "*ab", "abab", true},
-    {"StarPassesOverAnEarlierFit", "*ab?", "abxabab", false},
+    {"StarPassesOverAnEarlierMatch", "*ab?", "abxabab", false},
     {"TwoStars", "*u*1", "run1", true},
     {"TwoStarsAndTooLittle", "*1*1", "run1", false},
     {"StarsInARow", "r***1", "run1", true},
@@ -71,8 +71,8 @@ const std::vector<MatchCase> match_cases = {
     {"QuestionMarkTakesOneByte", "r?", "run", false},
     {"QuestionMarks", "???", "run", true},
     {"QuestionMarksTooMany", "????", "run", false},
-    {"QuestionMarkBehindStar", "*?", "a", true},
-    {"QuestionMarkBehindStarNeedsAByte", "*?", "", false},
+    {"QuestionMarkAfterStar", "*?", "a", true},
+    {"QuestionMarkAfterStarNeedsAByte", "*?", "", false},
     {"QuestionMarkBeforeStar", "?*", "a", true},
     {"StarQuestionStar", "*?*", "", false},
     {"QuestionMarkMatchesStar", "?", "*", true},
@@ -198,10 +198,10 @@ const std::vector<ExpandCase> expand_cases = {
     {"LiteralStarIsAWildcard", "lit*:q", {"lit*", "literal"}},
     // How the reference is written
     {"AtomsMark", "run1*.atoms[].q", {"run1", "run10"}},
-    {"BlanksAround", " \trun1* : atoms.q \n", {"run1", "run10"}},
+    {"SpacesAround", " \trun1* : atoms.q \n", {"run1", "run10"}},
     {"SingleQuotes", "'run1*:q'", {"run1", "run10"}},
     {"DoubleQuotes", " \"run1*:q\" ", {"run1", "run10"}},
-    {"BlanksInQuotes", "' run1* :q'", {"run1", "run10"}},
+    {"SpacesInQuotes", "' run1* :q'", {"run1", "run10"}},
     {"EscapeInQuotes", R"("run1\*:q")", {"run1", "run10"}},
     // Patterns with a directory: paths as written
     {"OneByteBelow", "calc/r?:q", {"calc/r1", "calc/r2", "calc/r3"}},
@@ -383,7 +383,7 @@ TEST(ExpandTaskGlob, PassesOverADirectoryThatCannotBeRead) {
   EXPECT_EQ(expand("../locked/t*:q"), (Tasks{"../locked/t1"}));
 }
 
-// A link that leads to itself cannot be judged, and the type is asked before the name.
+// The type of a link to itself cannot be found, and it is looked up before the name is compared.
 struct LoopCase {
   const char* name;
   const char* loop;

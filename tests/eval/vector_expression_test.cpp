@@ -24,7 +24,7 @@ using Tasks = std::vector<std::string_view>;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-// Tasks that globs are to find have names of a letter of their own and a number.
+// Tasks that one glob finds are named by the same letter and a number.
 class Tree : public TaskTree {
  public:
   Tree() {
@@ -72,7 +72,7 @@ class Tree : public TaskTree {
     add_task("r2", "");
     add_task("here/calc/s1", "w=1\n" + atom_lines("q", {"1"}));
     add_task("here/calc/s2", "w=2\n" + atom_lines("q", {"4"}));
-    // `du*` is found twice and each time stands for the sibling.
+    // `du*` is found twice, and both times the sibling is read.
     add_task("dup", atom_lines("q", {"1"}));
     add_task("here/dup", atom_lines("q", {"100"}));
   }
@@ -95,10 +95,10 @@ TEST_P(VectorExpression, HasThisValueAndUsesTheseTasks) {
 const std::vector<ValueCase> reference_cases = {
     {"Colon", "a:q", {1, 2, 3}, {"a"}},
     {"AtomsMark", "a.atoms[].q", {1, 2, 3}, {"a"}},
-    {"Blanks", " \t a : atoms.q \r\n", {1, 2, 3}, {"a"}},
+    {"Spaces", " \t a : atoms.q \r\n", {1, 2, 3}, {"a"}},
     {"SingleQuotes", "'a:q'", {1, 2, 3}, {"a"}},
     {"DoubleQuotes", " \"a:q\" ", {1, 2, 3}, {"a"}},
-    {"BlanksInQuotes", "' a : q '", {1, 2, 3}, {"a"}},
+    {"SpacesInQuotes", "' a : q '", {1, 2, 3}, {"a"}},
     {"EscapeInQuotes", R"("\a:q")", {1, 2, 3}, {"a"}},
     {"ColonInProperty", "a:q:r", {9}, {"a"}},
     {"WildcardInProperty", "a:q*", {6}, {"a"}},
@@ -151,8 +151,8 @@ const std::vector<ValueCase> sum_cases = {
 INSTANTIATE_TEST_SUITE_P(Sums, VectorExpression, testing::ValuesIn(sum_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
-// A single argument is tried as a reference first. What that attempt enters into the list of used
-// tasks stays ahead of the tasks of the nested call.
+// A single argument is tried as a reference first. The task of this attempt stays in the list of
+// used tasks, ahead of those of the nested call.
 const std::vector<ValueCase> single_cases = {
     {"Call", "mean(neg(a:q))", {-1, -2, -3}, {"neg(a", "a"}},
     {"CallInAdd", "add(neg(a:q))", {-1, -2, -3}, {"neg(a", "a"}},
@@ -160,8 +160,8 @@ const std::vector<ValueCase> single_cases = {
     {"CallWithAtomsMark", "mean(neg(a.atoms[].q))", {-1, -2, -3}, {"neg(a", "a"}},
     {"CallOfQuotedReference", "mean(neg('a:q'))", {-1, -2, -3}, {"neg('a", "a"}},
     {"CallOfTwo", "mean(sub(a:q,b:q))", {-9, -18, -27}, {"sub(a", "a", "b"}},
-    {"CallWithBlankIsNoReference", "mean(sub(a:q, b:q))", {-9, -18, -27}, {"a", "b"}},
-    {"BlankOnlyInTaskText", "mean(scale( a:q,2))", {2, 4, 6}, {"scale( a", "a"}},
+    {"CallWithSpaceIsNoReference", "mean(sub(a:q, b:q))", {-9, -18, -27}, {"a", "b"}},
+    {"SpaceOnlyInTaskText", "mean(scale( a:q,2))", {2, 4, 6}, {"scale( a", "a"}},
     {"CallInCall", "mean(neg(neg(a:q)))", {1, 2, 3}, {"neg(neg(a", "a"}},
     {"MeanInMean", "mean(mean(a:q))", {1, 2, 3}, {"mean(a", "a"}},
     {"AttemptAtEachLevel", "mean(add(neg(a:q)))", {-1, -2, -3}, {"add(neg(a", "neg(a", "a"}},
@@ -233,7 +233,7 @@ const std::vector<ValueCase> function_cases = {
      {infinity, infinity, infinity},
      {"large", "a"}},
     {"QuotedArguments", "sub('b:q', \"a:q\")", {9, 18, 27}, {"b", "a"}},
-    {"BlanksEverywhere", " \tsub ( b : q ,\n a : q ) ", {9, 18, 27}, {"b", "a"}},
+    {"SpacesEverywhere", " \tsub ( b : q ,\n a : q ) ", {9, 18, 27}, {"b", "a"}},
 };
 INSTANTIATE_TEST_SUITE_P(Functions, VectorExpression, testing::ValuesIn(function_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -272,7 +272,7 @@ const std::vector<WeightCase> weight_cases = {
     {"Hexadecimal", "0x2", {8, 16}, {2, 4}},
     {"NumberWithExponent", "+.2e1", {8, 16}, {2, 4}},
     {"QuotedNumber", "'2'", {8, 16}, {2, 4}},
-    {"BlanksInQuotedNumber", "\" 2\t\"", {8, 16}, {2, 4}},
+    {"SpacesInQuotedNumber", "\" 2\t\"", {8, 16}, {2, 4}},
     {"Key", "w", {10, 20}, {2.5, 5}},
     {"QuotedKey", "'w'", {10, 20}, {2.5, 5}},
     {"EscapedKey", R"("\w")", {10, 20}, {2.5, 5}},
@@ -282,19 +282,19 @@ const std::vector<WeightCase> weight_cases = {
     {"NegativeWeights", "minus", {8, 16}, {4, 8}},
     {"KeyWithDot", "x.w", {14, 28}, {2.3333333333333335, 4.666666666666667}},
     {"KeyWithMinus", "w-v", {24, 48}, {2, 4}},
-    {"KeyWithBlankBehindAtSign", "@w v", {20, 40}, {2, 4}},
-    {"ValueWithLeadingBlank", "blank", {16, 32}, {2, 4}},
+    {"KeyWithSpaceAfterAtSign", "@w v", {20, 40}, {2, 4}},
+    {"ValueWithLeadingSpace", "blank", {16, 32}, {2, 4}},
     {"PerAtomKey", "atoms.1.q", {10, 20}, {2.5, 5}},
     {"KeyOfOneTask", "@t2.w", {12, 24}, {2, 4}},
     {"QuotedKeyOfOneTask", "'@t2.w'", {12, 24}, {2, 4}},
     {"KeyWithDotOfOneTask", "@t2.x.w", {16, 32}, {2, 4}},
     {"KeyOfTheWorkingDirectory", "@.w", {20, 40}, {2, 4}},
-    {"KeyBehindQuotedBlankIsTheWorkingDirectorys", "' @w'", {20, 40}, {2, 4}},
+    {"KeyAfterQuotedSpaceIsTheWorkingDirectorys", "' @w'", {20, 40}, {2, 4}},
     {"Sum", "sum(a:q)", {24, 48}, {2, 4}, {"a", "t1", "t2"}},
     {"SumInAnyCase", "SUM (a:q)", {24, 48}, {2, 4}, {"a", "t1", "t2"}},
     {"QuotedSum", "'sum(a:q)'", {24, 48}, {2, 4}, {"a", "t1", "t2"}},
     {"EscapedSum", R"x("sum(\a:q)")x", {24, 48}, {2, 4}, {"a", "t1", "t2"}},
-    {"BlanksInQuotedSum", "' sum(a:q) '", {24, 48}, {2, 4}, {"a", "t1", "t2"}},
+    {"SpacesInQuotedSum", "' sum(a:q) '", {24, 48}, {2, 4}, {"a", "t1", "t2"}},
     {"SumOfCall", "sum(sub(b:q, a:q))", {216, 432}, {2, 4}, {"b", "a", "t1", "t2"}},
     {"QuotedSumOfCall", "'sum(sub(b:q, a:q))'", {216, 432}, {2, 4}, {"b", "a", "t1", "t2"}},
     {"SumOfSingleCall", "sum(mean(neg(a:q)))", {-24, -48}, {2, 4}, {"neg(a", "a", "t1", "t2"}},
@@ -349,7 +349,7 @@ const std::vector<CountCase> count_cases = {
 };
 class ArgumentCount : public TestInTree<Tree, CountCase> {};
 
-TEST_P(ArgumentCount, IsJudgedBeforeAnyArgument) {
+TEST_P(ArgumentCount, IsCheckedBeforeAnyArgument) {
   const std::size_t most = GetParam().right_count == 0 ? 0 : 4;
   for (std::size_t count = 0; count <= most; ++count) {
     std::string text = GetParam().function + "("s;
@@ -394,9 +394,9 @@ const std::string nope = "task 'nope' does not contain atom vector 'q'";
 
 const std::vector<FailureCase> reference_failures = {
     {"Empty", "", empty_reference},
-    {"Blanks", " \t\r\n", empty_reference},
+    {"Spaces", " \t\r\n", empty_reference},
     {"EmptyQuotes", "''", empty_reference},
-    {"BlanksInQuotes", "' '", empty_reference},
+    {"SpacesInQuotes", "' '", empty_reference},
     {"NoColon", "charge", must_use + "charge"},
     {"TrimmedTextIsNamed", " charge\n", must_use + "charge"},
     {"UnquotedTextIsNamed", "' charge '", must_use + " charge "},
@@ -441,7 +441,7 @@ INSTANTIATE_TEST_SUITE_P(References, BadVectorExpression, testing::ValuesIn(refe
                          [](const auto& one) { return std::string(one.param.name); });
 
 const std::vector<FailureCase> sum_failures = {
-    {"MeanOfBlanks", "mean( )", "mean() expects at least one vector argument"},
+    {"MeanOfSpaces", "mean( )", "mean() expects at least one vector argument"},
     {"MeanOfEmptyPiece", "mean(,)", empty_reference},
     {"MeanOfEmptyQuotes", "mean('')", empty_reference},
     {"EmptyPieceFirst", "mean(,a:q)", empty_reference},
@@ -494,7 +494,7 @@ const std::vector<FailureCase> sum_failures = {
      "mean(neg(a:q*))",
      "task 'neg(a' does not contain atom vector 'q*)'",
      {"neg(a"}},
-    {"SingleCallWithWildcardFarBehind",
+    {"SingleCallWithWildcardNearItsEnd",
      "mean(sub(a:q,neg(b:q*)))",
      "task 'sub(a' does not contain atom vector 'q,neg(b:q*))'",
      {"sub(a"}},
@@ -532,7 +532,7 @@ const std::vector<FailureCase> function_failures = {
     {"NegOfMissingTask", "neg(nope:q)", nope, {"nope"}},
     {"AbsOfMissingTask", "abs(nope:q)", nope, {"nope"}},
     {"ClipLimits", "clip(a:q, 1, 0)", "clip() min cannot be greater than max", {"a"}},
-    {"ClipLimitsBehindAllArguments",
+    {"ClipLimitsAfterAllArguments",
      "clip(a:q, 1, @nokey)",
      "task '.' does not contain scalar 'nokey'",
      {"a"}},
@@ -568,7 +568,7 @@ const std::vector<FailureCase> function_failures = {
 INSTANTIATE_TEST_SUITE_P(Functions, BadVectorExpression, testing::ValuesIn(function_failures),
                          [](const auto& one) { return std::string(one.param.name); });
 
-// Failures of all weighted functions; F stands for the function's name
+// Failures of all weighted functions; F is the function's name
 
 const std::vector<FailureCase> weighted_failures = {
     {"NoMatch", "F(zz*:q, w)", no_match + "zz*"},
@@ -584,7 +584,7 @@ const std::vector<FailureCase> weighted_failures = {
     {"EmptyWeightBeforeVector", "F(nope:q, '')", "F() cannot use an empty weight expression"},
     {"TrailingCommaIsNoWeight", "F(t*:q, )",
      "F() expects a vector glob and a weight key/expression"},
-    {"BlanksInQuotes", "F(t*:q, '  ')", "empty scalar expression"},
+    {"SpacesInQuotes", "F(t*:q, '  ')", "empty scalar expression"},
     {"LiteralInfinity", "F(t*:q, inf)", "F() scalar literal is not a finite number: inf"},
     {"LiteralNan", "F(t*:q, nan)", "F() scalar literal is not a finite number: nan"},
     {"LiteralTooLarge", "F(t*:q, 1e999)", "F() scalar literal is not a finite number: 1e999"},
@@ -595,15 +595,15 @@ const std::vector<FailureCase> weighted_failures = {
     {"MissingKeyOfPath", "F(calc/s*:q, nokey)",
      "task 'calc/s1' does not contain scalar 'nokey' for F()"},
     {"KeysAreCaseSensitive", "F(t*:q, W)", "task 't1' does not contain scalar 'W' for F()"},
-    {"KeyBehindAtSignIsNotTrimmed", "F(t*:q, @ w)",
+    {"KeyAfterAtSignIsNotTrimmed", "F(t*:q, @ w)",
      "task 't1' does not contain scalar ' w' for F()"},
     {"AtSignOnly", "F(t*:q, @)", "F() scalar key cannot be empty"},
-    {"AtSignAndBlank", "F(t*:q, '@ ')", "F() scalar key cannot be empty"},
+    {"AtSignAndSpace", "F(t*:q, '@ ')", "F() scalar key cannot be empty"},
     {"AtSignAndDot", "F(t*:q, @.)", "task '' does not contain scalar ''"},
-    {"CallBehindAtSignIsAKey", "F(t*:q, @sum(a:q))",
+    {"CallAfterAtSignIsAKey", "F(t*:q, @sum(a:q))",
      "task 't1' does not contain scalar 'sum(a:q)' for F()"},
     {"BadKeyValue", "F(t*:q, bad)", "F() t1.bad is not a finite number: abc"},
-    {"BadKeyValueBehindAtSign", "F(t*:q, @bad)", "F() t1.bad is not a finite number: abc"},
+    {"BadKeyValueAfterAtSign", "F(t*:q, @bad)", "F() t1.bad is not a finite number: abc"},
     {"MissingKeyOfOneTask", "F(t*:q, @a.nokey)", "task 'a' does not contain scalar 'nokey'"},
     {"BadValueOfOneTask", "F(t*:q, @bad.key)", "@bad.key is not a finite number: abc"},
     {"Operator", "F(t*:q, 1+2)", "unsupported scalar expression: 1+2"},
@@ -711,7 +711,7 @@ TEST(WeightBytes, DecideBetweenKeyAndExpression) {
   for (int value = 1; value < 256; ++value) {
     const char c = static_cast<char>(value);
     if (c == '\'' || c == '\\') {
-      continue;  // never inside single quotes, and an escape there
+      continue;  // these can't be put between single quotes as they are
     }
     const std::string weight = "z"s + c + "z";
     const std::string text = "wsum(t1:q, '" + weight + "')";
@@ -724,8 +724,8 @@ TEST(WeightBytes, DecideBetweenKeyAndExpression) {
   }
 }
 
-// Behind '@' only a dot makes it an expression.
-TEST(WeightBytes, DecideBehindTheAtSign) {
+// After '@', only a dot makes it an expression.
+TEST(WeightBytes, DecideAfterTheAtSign) {
   const Tree tree;
   for (int value = 1; value < 256; ++value) {
     const char c = static_cast<char>(value);
@@ -742,7 +742,7 @@ TEST(WeightBytes, DecideBehindTheAtSign) {
   }
 }
 
-TEST(GlobThatCannotBeJudged, FailsWithWhatTheSystemSays) {
+TEST(GlobThatCannotBeExamined, FailsWithWhatTheSystemSays) {
   const TaskTree tree;
   tree.add_task("t1", "w=1\n" + atom_lines("q", {"1"}));
   tree.add_link("loop", "loop");

@@ -85,7 +85,7 @@ class Tasks {
 };
 
 // Whether a statement looks at nothing but the tree, which alone stays as it is: no absolute path,
-// and not too far up. Quotes and backslashes may stand between any two bytes of a path.
+// and not too far up. There may be quotes and backslashes between any two bytes of a path.
 bool stays_in_tree(std::string text) {
   std::erase_if(text, [](char c) { return c == '\'' || c == '"' || c == '\\'; });
   std::size_t steps_up = 0;
@@ -171,7 +171,7 @@ std::string run_reference(const std::string& text) {
   return written;
 }
 
-// What a file of the result gives when it is read as a task's: the doubles that its digits name.
+// A file of the result, read as that of a task, gives the doubles that its digits name.
 void require_values_read_back(const Tasks& tasks, const std::string& target,
                               const AtomVector& result) {
   const std::string path = tasks.output_path("values.kv");
@@ -222,7 +222,7 @@ std::string run_program(const Tasks& tasks, const std::string& text) {
 }
 
 // Infinities and NaNs are printed as printf prints them, but which NaN a sum gives is up to the
-// compiler: its sign does not count.
+// compiler, so its sign does not matter.
 std::string without_nan_signs(std::string text) {
   for (auto found = text.find("-nan"); found != std::string::npos; found = text.find("-nan")) {
     text.erase(found, 1);

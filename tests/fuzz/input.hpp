@@ -13,7 +13,7 @@ inline std::string text_of(const std::uint8_t* data, std::size_t size) {
 }
 
 // A file's content, long lines included, from a small input: the first two bytes name a length, and
-// the bytes FC, FD and FE behind them stand for runs of that many digits, blanks and letters.
+// the bytes FC, FD and FE after them stand for runs of that many digits, spaces and letters.
 inline std::string file_content_of(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t longest = std::size_t{1} << 17;
   if (size < 2) {

@@ -13,7 +13,7 @@
 namespace vqvec {
 namespace {
 
-// Keys beside those that are there must not be found.
+// Keys that are nearly the same must not be found.
 void compare_keys(const KvMap& map, const reference::KvMap& expected) {
   for (const auto& [key, value] : expected) {
     const auto found = map.find(key);

@@ -45,7 +45,7 @@ void compare_fields(const std::string& line) {
 }
 
 // A decimal of up to 20 digits from nine bytes, with a point somewhere and at times an exponent:
-// most texts that a fuzzer thinks of are short numbers or none.
+// most texts that a fuzzer comes up with are short numbers or none.
 std::string decimal_of(const std::uint8_t* data) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, data + 1, sizeof bits);

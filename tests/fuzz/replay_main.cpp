@@ -37,7 +37,7 @@ int replay(const std::vector<std::filesystem::path>& inputs) {
       return 1;
     }
     std::printf("%s, %zu bytes\n", input.filename().c_str(), bytes.size());
-    std::fflush(stdout);  // should this one end the process, its name is the last line
+    std::fflush(stdout);  // if this one ends the process, its name is the last line
     const std::vector<std::uint8_t> data(bytes.begin(), bytes.end());
     LLVMFuzzerTestOneInput(data.data(), data.size());
   }

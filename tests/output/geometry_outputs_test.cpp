@@ -103,7 +103,7 @@ const std::vector<FileCase> file_cases = {
      "1\nProperties=species:S:1:pos:R:3:q:R:1 generated_by=vqvec\n"
      "H 0.0000000000 -0.0000000000 -0.0000000000 0\n",
      "H       0.0000000000    -0.0000000000    -0.0000000000  0.0000000000\n"},
-    {"NegativeZeroGetsABlankToo",
+    {"NegativeZeroGetsASpaceToo",
      "1\n\nH 0 0 0\n",
      "q",
      {-0.0},
@@ -235,13 +235,13 @@ const std::vector<ChoiceCase> choice_cases = {
     {"WordFirstInCapitals", "FIRST", {"b", "a"}, "B"},
     {"WordAuto", "auto", {"a", "b"}, "A"},
     {"WordAutoInMixedCase", "aUTo", {"a", "b"}, "A"},
-    {"WordBetweenBlanks", " \tauto\r\n", {"a", "b"}, "A"},
-    {"BlanksOnly", " \t\r\n ", {"b", "a"}, "B"},
+    {"WordBetweenSpaces", " \tauto\r\n", {"a", "b"}, "A"},
+    {"SpacesOnly", " \t\r\n ", {"b", "a"}, "B"},
     {"NoTaskUsed", "", {}, "here"},
     {"NoTaskUsedForFirst", "First", {}, "here"},
     {"NoTaskUsedForAuto", "AUTO", {}, "here"},
     {"NamedTask", "a", {"b"}, "A"},
-    {"NamedTaskBetweenBlanks", " a\n", {"b"}, "A"},
+    {"NamedTaskBetweenSpaces", " a\n", {"b"}, "A"},
     {"NamedTaskWithoutAnyUsed", "a", {}, "A"},
     {"NamedSelf", "self", {"b"}, "here"},
     {"NamedCurrent", "Current", {"b"}, "here"},
@@ -251,9 +251,9 @@ const std::vector<ChoiceCase> choice_cases = {
     {"ReservedWordWithASlash", "auto/", {"a"}, "auto"},
     {"WordThatBeginsWithAReservedOne", "first1", {"a"}, "first1"},
     {"VerticalTabIsNotTrimmed", "\vauto", {"a"}, "tab"},
-    {"UsedTaskWithBlanks", "", {" b ", "a"}, "B"},
+    {"UsedTaskWithSpaces", "", {" b ", "a"}, "B"},
     {"UsedTaskThatIsTheWorkingDirectory", "", {"", "a"}, "here"},
-    {"UsedTaskCalledLikeAReservedWord", "", {"auto", "a"}, "auto"},
+    {"UsedTaskNamedLikeAReservedWord", "", {"auto", "a"}, "auto"},
 };
 class GeometryChoice : public testing::TestWithParam<ChoiceCase> {};
 

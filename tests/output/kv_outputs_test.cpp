@@ -126,7 +126,7 @@ const std::vector<SnapshotCase> snapshot_cases = {
      "# Vorquil lightweight result snapshot\nschema_version=1\nstatus=done\natom_count=1\n"
      "geometry.atom_count=1\ntask_name= a = b # \ninput_name=x\ny\r\nstruc_id=電荷\xff\"'\\\n"
      "strucId=電荷\xff\"'\\\n"},
-    {"ValueOfABlank",
+    {"ValueOfASpace",
      {" ", {}, {}},
      1,
      "# Vorquil lightweight result snapshot\nschema_version=1\nstatus=done\natom_count=1\n"

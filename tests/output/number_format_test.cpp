@@ -87,7 +87,7 @@ class FormatValue15 : public testing::TestWithParam<FormatCase> {};
 TEST_P(FormatValue15, HasAtMostFifteenDigits) {
   EXPECT_EQ(format_value15(GetParam().value), GetParam().expected);
 }
-TEST_P(FormatValue15, IsTheSameBehindOtherText) {
+TEST_P(FormatValue15, IsTheSameAfterOtherText) {
   std::string text = "atoms.1.q=";
   append_value15(text, GetParam().value);
   EXPECT_EQ(text, "atoms.1.q=" + GetParam().expected);
@@ -95,7 +95,7 @@ TEST_P(FormatValue15, IsTheSameBehindOtherText) {
 INSTANTIATE_TEST_SUITE_P(Numbers, FormatValue15, testing::ValuesIn(value15_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
-// 10 digits behind the point
+// 10 digits after the point
 
 const std::vector<FormatCase> fixed10_cases = {
     {"Zero", 0.0, "0.0000000000"},
@@ -138,10 +138,10 @@ const std::vector<FormatCase> fixed10_cases = {
 };
 class FormatFixed10 : public testing::TestWithParam<FormatCase> {};
 
-TEST_P(FormatFixed10, HasTenDigitsBehindThePoint) {
+TEST_P(FormatFixed10, HasTenDigitsAfterThePoint) {
   EXPECT_EQ(format_fixed10(GetParam().value), GetParam().expected);
 }
-TEST_P(FormatFixed10, IsTheSameBehindOtherText) {
+TEST_P(FormatFixed10, IsTheSameAfterOtherText) {
   std::string text = "O ";
   append_fixed10(text, GetParam().value);
   EXPECT_EQ(text, "O " + GetParam().expected);

@@ -39,8 +39,8 @@ struct TextCase {
 const std::vector<TextCase> text_cases = {
     {"OneLine", "", "atoms.1.q=1\n"},
     {"EmptyText", "", ""},
-    {"EmptyTextBehindAnother", "old\n", ""},
-    {"BehindAnother", "old\n", "new\n"},
+    {"EmptyTextAfterAnother", "old\n", ""},
+    {"AfterAnother", "old\n", "new\n"},
     {"ShorterThanBefore", "a long text that was there before\n", "new\n"},
     {"WithoutLineFeeds", "old", "new"},
     {"LineEndsAreNotTranslated", "old\r\n", "a\r\nb\nc\r"},
@@ -49,7 +49,7 @@ const std::vector<TextCase> text_cases = {
 };
 class WrittenText : public testing::TestWithParam<TextCase> {};
 
-TEST_P(WrittenText, GoesBehindTheContentWhenItIsAppended) {
+TEST_P(WrittenText, FollowsTheContentWhenItIsAppended) {
   const ScratchDir dir;
   append_text_file(dir.write("out.kv", GetParam().before), GetParam().text);
   EXPECT_EQ(dir.read("out.kv"), GetParam().before + GetParam().text);
@@ -87,7 +87,7 @@ TEST(TextFile, MayHaveMegabytes) {
   EXPECT_EQ(dir.read("v.kv"), text + text);
 }
 
-TEST(AppendTextFile, PutsEveryTextBehindTheLast) {
+TEST(AppendTextFile, PutsEveryTextAfterTheLast) {
   const ScratchDir dir;
   const std::string path = dir.path_of("v.kv");
   append_text_file(path, "atoms.1.q=1\natoms.2.q=2\n");
@@ -129,12 +129,12 @@ const std::vector<PathCase> path_cases = {
     {"BesideTheWorkingDirectory", "../beside/v.kv", "beside/v.kv"},
     {"DoubleSlashes", "a//b///v.kv", "here/a/b/v.kv"},
     {"DotsOnTheWay", "./a/./b/../v.kv", "here/a/v.kv"},
-    {"BlanksAreKept", " my values .kv ", "here/ my values .kv "},
+    {"SpacesAreKept", " my values .kv ", "here/ my values .kv "},
     {"OutsideAscii", "電荷/é.kv", "here/電荷/é.kv"},
     {"AnyBytes", "\xff/\xfe.kv", "here/\xff/\xfe.kv"},
     {"NameLikeAnOption", "--out", "here/--out"},
     {"NameOf255Bytes", std::string(255, 'n'), "here/" + std::string(255, 'n')},
-    {"BehindALinkToADirectory", "link/v.kv", "here/there/v.kv"},
+    {"ThroughALinkToADirectory", "link/v.kv", "here/there/v.kv"},
     {"BelowALinkToADirectory", "link/new/v.kv", "here/there/new/v.kv"},
 };
 class TextFilePath : public testing::TestWithParam<PathCase> {};

@@ -24,8 +24,8 @@
 
 namespace vqvec::reference {
 
-// Thrown (and no standard exception, so that no rule catches it) by an evaluation that takes too
-// long: repeated for every task of a glob at every level, it would never end.
+// Thrown by an evaluation that takes too long: repeated for every task of a glob at every level, it
+// would never end. This is no standard exception, so that no rule catches it.
 struct GaveUp {};
 
 struct Task {

@@ -67,7 +67,7 @@ inline double parse_finite_number(const std::string& text, const std::string& la
   return *value;
 }
 
-// Digit by digit. Nothing when there are none and when the number does not fit.
+// Digit by digit. Nothing when there are none, or when the number is too large.
 inline std::optional<std::uint64_t> read_count(const std::string& text) {
   const char* place = text.c_str();  // a NUL ends the number like any byte that is no digit
   while (is_white(*place)) {
@@ -99,7 +99,7 @@ class FieldStream {
     stream_.imbue(std::locale::classic());
   }
 
-  // After a number that is none, the word begins where reading that has stopped.
+  // After a number that could not be read, the word begins where reading it stopped.
   std::string read_word() {
     std::string word;
     stream_.clear();
@@ -122,7 +122,6 @@ struct Atom {
   double z = 0.0;
 };
 
-// With the stream operators themselves.
 inline std::vector<Atom> read_xyz_text(const std::string& bytes) {
   std::istringstream stream(bytes);
   std::string line;

@@ -31,7 +31,7 @@ struct Nesting {
 
   bool is_outside() const { return !single_quotes && !double_quotes && depth == 0; }
 
-  // Goes past one byte. True when that byte stood outside quotes and was no quote.
+  // Goes past one byte. True when that byte was outside quotes and was no quote.
   bool pass(char c) {
     if (escape_next) {
       escape_next = false;

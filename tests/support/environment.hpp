@@ -35,7 +35,7 @@ class EnvironmentVariable {
   std::optional<std::string> before_;
 };
 
-// The three variables; nothing: not set.
+// The three variables; std::nullopt: not set.
 struct TaskVariables {
   std::optional<std::string> task_name;
   std::optional<std::string> input_name;

@@ -7,7 +7,7 @@
 
 namespace vqvec {
 
-// The message of the exception that the call throws; "(no failure)" when it throws none.
+// The message of the exception that the call throws, or "(no failure)".
 template <typename Call>
 std::string failure_of(Call call) {
   try {

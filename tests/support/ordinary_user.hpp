@@ -1,4 +1,4 @@
-// Permissions mean nothing to the superuser, as whom the tests may run.
+// The superuser may run the tests, and ignores permissions.
 #ifndef VQVEC_TESTS_SUPPORT_ORDINARY_USER_HPP
 #define VQVEC_TESTS_SUPPORT_ORDINARY_USER_HPP
 

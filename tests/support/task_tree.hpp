@@ -1,4 +1,4 @@
-// Directory trees with the working directory inside, and the tasks in them.
+// Directory trees of tasks, with the working directory inside.
 #ifndef VQVEC_TESTS_SUPPORT_TASK_TREE_HPP
 #define VQVEC_TESTS_SUPPORT_TASK_TREE_HPP
 
@@ -21,8 +21,8 @@ inline std::string atom_lines(const std::string& property, const std::vector<std
   return lines;
 }
 
-// A tree of a test's own. All names are relative to its root, the parent of the working directory
-// unless that is said to be further down: so a plain name is a sibling of the working directory.
+// A tree of a test's own. All names are relative to its root. Unless the working directory is
+// placed further down, the root is its parent, and a plain name is its sibling.
 class TaskTree {
  public:
   explicit TaskTree(const std::filesystem::path& working_directory = "here")
@@ -56,8 +56,7 @@ class TaskTree {
   WorkingDirectory here_;
 };
 
-// Here the working directory is `job/here`: its siblings are in `job`, and there is room beside
-// `job` as well.
+// A tree with room above the siblings of the working directory, which are in `job`.
 class WorkPlace : public TaskTree {
  public:
   WorkPlace() : TaskTree("job/here") {}

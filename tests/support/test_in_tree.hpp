@@ -8,8 +8,8 @@
 
 namespace vqvec {
 
-// The tree is made before the first test of the suite and removed after the last: for each row of
-// a large table this would take longer than everything else.
+// The tree is made before the first test of the suite and removed after the last. Doing so for each
+// row of a large table would take longer than everything else.
 template <typename Tree, typename Case>
 class TestInTree : public testing::TestWithParam<Case> {
  public:

@@ -19,7 +19,7 @@ namespace {
 
 using std::string_literals::operator""s;
 
-// A number and what it leaves to the word behind it
+// A number, and what it leaves to the word after it
 
 struct NumberCase {
   const char* name;
@@ -40,25 +40,25 @@ const std::vector<NumberCase> number_cases = {
     {"Exponent", "1e5", 100'000.0, ""},
     {"CapitalExponent", "1E-2", 0.01, ""},
     {"ExponentWithPlus", "2.5e+3", 2'500.0, ""},
-    {"ExponentBehindPoint", "5.e1", 50.0, ""},
+    {"ExponentAfterPoint", "5.e1", 50.0, ""},
     {"AllWhiteSpaceBefore", " \t\v\f\r\n1", 1.0, ""},
     {"VerticalTabBefore", "\v1", 1.0, ""},
-    {"VerticalTabBehind", "1\vx", 1.0, "x"},
+    {"VerticalTabAfterIt", "1\vx", 1.0, "x"},
     {"NextNumberGluedByMinus", "1-2", 1.0, "-2"},
     {"NextNumberGluedByPlus", "1+2", 1.0, "+2"},
-    {"NextNumberGluedBehindExponent", "1e5-2", 100'000.0, "-2"},
+    {"NextNumberGluedAfterExponent", "1e5-2", 100'000.0, "-2"},
     {"SecondPointBeginsTheNext", "1.2.3", 1.2, ".3"},
-    {"PointBehindExponentBeginsTheNext", "1e5.5", 100'000.0, ".5"},
+    {"PointAfterExponentBeginsTheNext", "1e5.5", 100'000.0, ".5"},
     {"SecondExponent", "1e5e6", 100'000.0, "e6"},
     {"FortranExponentIsLeft", "1D5", 1.0, "D5"},
     {"LowerFortranExponentIsLeft", "1.5d-3", 1.5, "d-3"},
     {"HexadecimalIsZeroAndItsLetters", "0x10", 0.0, "x10"},
-    {"LetterBehind", "1.5x", 1.5, "x"},
-    {"CommaBehind", "1,5", 1.0, ",5"},
-    {"ApostropheBehind", "1'000", 1.0, "'000"},
-    {"UnderscoreBehind", "1_000", 1.0, "_000"},
+    {"LetterAfterIt", "1.5x", 1.5, "x"},
+    {"CommaAfterIt", "1,5", 1.0, ",5"},
+    {"ApostropheAfterIt", "1'000", 1.0, "'000"},
+    {"UnderscoreAfterIt", "1_000", 1.0, "_000"},
     {"InfinityGlued", "1inf", 1.0, "inf"},
-    {"NulBehind", "1\0002"s, 1.0, "\0002"s},
+    {"NulAfterIt", "1\0002"s, 1.0, "\0002"s},
     {"TooSmallIsZero", "1e-400", 0.0, ""},
     {"TooSmallKeepsItsSign", "-1e-400", -0.0, ""},
     {"SmallestDenormal", "4.9406564584124654e-324", 4.9406564584124654e-324, ""},
@@ -98,12 +98,12 @@ const std::vector<OtherCase> other_cases = {
     {"SignAndPoint", "+."},
     {"TwoSigns", "--1"},
     {"MinusPlus", "-+1"},
-    {"SignBehindBlank", "- 1"},
+    {"SignAfterSpace", "- 1"},
     {"TwoPoints", "..5"},
     {"ExponentOnly", "e5"},
     {"PointAndExponent", ".e5"},
     {"BrokenExponent", "1e"},
-    {"BrokenExponentBeforeBlank", "1e 5"},
+    {"BrokenExponentBeforeSpace", "1e 5"},
     {"BrokenSignedExponent", "1e+"},
     {"BrokenExponentBeforeLetter", "1ex"},
     {"TwoSignsInTheExponent", "1e--5"},
@@ -126,7 +126,7 @@ TEST_P(NoNumberField, IsNotRead) {
 INSTANTIATE_TEST_SUITE_P(Texts, NoNumberField, testing::ValuesIn(other_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
-// What a stream takes for a number before that fails
+// What a number that cannot be read leaves to the next word
 
 struct LeftCase {
   const char* name;
@@ -136,8 +136,8 @@ struct LeftCase {
 const std::vector<LeftCase> left_cases = {
     {"WordStays", "abc", "abc"},
     {"ExponentWithoutDigitsStays", "e5", "e5"},
-    {"ExponentWithoutDigitsBehindSign", "-e5", "e5"},
-    {"ExponentWithoutDigitsBehindPoint", ".e5", "e5"},
+    {"ExponentWithoutDigitsAfterSign", "-e5", "e5"},
+    {"ExponentWithoutDigitsAfterPoint", ".e5", "e5"},
     {"BrokenExponentGoes", "1ex", "x"},
     {"SignGoes", "-x", "x"},
     {"OneOfTwoSignsGoes", "--1", "-1"},
@@ -183,7 +183,7 @@ TEST_P(WordFields, ArePartedByWhiteSpace) {
 INSTANTIATE_TEST_SUITE_P(Texts, WordFields, testing::ValuesIn(word_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
-TEST(FieldReader, ReadsThreeCoordinatesWithoutABlank) {
+TEST(FieldReader, ReadsThreeCoordinatesWithoutSpaces) {
   FieldReader fields("H 1-2-3");
   EXPECT_EQ(fields.read_word(), "H");
   EXPECT_EQ(fields.read_number(), 1.0);
@@ -200,7 +200,7 @@ TEST(FieldReader, ReadsOnlyTheBytesOfItsView) {
 
 // Against a stream
 
-// A word, numbers up to the first that the text does not hold, and the word that is left.
+// A word, numbers up to the first text that is not one, and the word that is left.
 struct Fields {
   std::string word;
   std::vector<std::uint64_t> number_bits;
