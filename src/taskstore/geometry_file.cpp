@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "dsl/number.hpp"
 #include "taskstore/field_reader.hpp"
@@ -27,6 +29,17 @@ std::optional<GeomAtom> parse_atom_line(std::string_view line) {
     return std::nullopt;
   }
   return GeomAtom{symbol, *x, *y, *z};
+}
+
+// An estimate of what is left to read. A small file is in the buffer, which spares a system call.
+std::uintmax_t size_of_rest(const LineReader& reader, const std::string& path) {
+  constexpr std::size_t largest_small_file = 16384;
+  if (reader.buffered_size() < largest_small_file) {
+    return reader.buffered_size();
+  }
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : size;
 }
 
 // How many atoms to reserve memory for: the count is untrusted. Each atom takes at least 8 bytes of
@@ -89,7 +102,7 @@ Geometry read_xyz_geometry(const std::string& path) {
     return {};
   }
   Geometry atoms;
-  atoms.reserve(plausible_count(count, reader.file_size()));
+  atoms.reserve(plausible_count(count, size_of_rest(reader, path)));
   while (atoms.size() < count) {
     if (!reader.next_line(line, longest_line)) {
       return {};

@@ -10,13 +10,6 @@
 namespace vqvec {
 
 LineReader::LineReader(const std::string& path) {
-  std::error_code error;  // for anything but a regular file: opening a FIFO would wait for a writer
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  throw_if_out_of_memory(error);
-  if (error) {
-    return;
-  }
-  file_size_ = size;
   file_.pubsetbuf(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   if (file_.open(path, std::ios::in) == nullptr) {
     throw_if_out_of_memory(std::error_code(errno, std::generic_category()));

@@ -1,12 +1,11 @@
 // Reading a task's text files line by line through one small buffer, whatever their size. A file
-// that is absent, unreadable or not a regular file (a directory, a FIFO, a device) has no lines;
-// only running out of memory is an exception.
+// that is absent or unreadable, or a directory, has no lines; only running out of memory is an
+// exception. The caller must not name a FIFO: opening it would wait for a writer.
 #ifndef VQVEC_TASKSTORE_LINE_READER_HPP
 #define VQVEC_TASKSTORE_LINE_READER_HPP
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -17,8 +16,8 @@ class LineReader {
  public:
   explicit LineReader(const std::string& path);
 
-  // In bytes; 0 if there is no file.
-  std::uintmax_t file_size() const { return file_size_; }
+  // How much of the file is in the buffer and not read yet.
+  std::size_t buffered_size() const { return file_.bytes().size(); }
 
   // Sets `line` to the next line without its line feed, which the last line may lack. False at the
   // end of the file, or at a read error, which drops the line that it cut. The view is valid until
@@ -45,7 +44,6 @@ class LineReader {
 
   static constexpr std::size_t buffer_size = 32768;
 
-  std::uintmax_t file_size_ = 0;
   std::array<char, buffer_size>
       buffer_;  // uninitialised: clearing 32 KiB would slow down small files
   FileBuffer file_;

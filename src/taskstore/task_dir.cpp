@@ -1,7 +1,11 @@
 #include "taskstore/task_dir.hpp"
 
 #include <algorithm>
+#include <compare>
+#include <cstddef>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -21,6 +25,17 @@ constexpr std::string_view kv_file_names[] = {
     ".vorq.values.kv",
     ".vorq.dbcollect.user.kv",
     ".vorq.values.user.kv",
+};
+constexpr std::size_t preferred_geometry = std::size(kv_file_names);
+constexpr std::size_t other_geometry = preferred_geometry + 1;
+
+// A file of a task directory. Sorted by rank, key-value files are in the order of merging, and
+// geometry files in the order of preference.
+struct TaskFile {
+  std::size_t rank;  // index in kv_file_names, or a geometry
+  std::string path;
+
+  auto operator<=>(const TaskFile&) const = default;
 };
 
 bool is_working_directory_name(std::string_view name) {
@@ -44,82 +59,96 @@ std::string join(const std::string& base, std::string_view name) {
   return path;
 }
 
-bool is_directory(const std::string& base, std::string_view name) {
-  constexpr std::size_t longest_path = 4096;  // no system accepts more
-  if (base.size() + name.size() > longest_path) {
-    return false;
-  }
-  std::error_code error;
-  const bool is_there = fs::is_directory(join(base, name), error);
-  throw_if_out_of_memory(error);
-  return is_there;
-}
-
-struct Place {
-  std::string base;
-  bool is_there;
-};
-
-// Siblings of the working directory win over its children; a name found nowhere resolves to the
-// missing sibling.
-Place find_place(std::string_view name) {
-  const fs::path working_directory = fs::current_path();
-  if (is_working_directory_name(name)) {
-    return {working_directory.string(), true};
-  }
-  const std::string siblings = working_directory.parent_path().string();
-  for (const std::string& base : {siblings, working_directory.string(), std::string()}) {
-    if (is_directory(base, name)) {
-      return {base, true};
-    }
-  }
-  return {siblings, false};
-}
-
 // Lower-cased, from the last dot; none if that dot begins the name.
 std::string extension_of(std::string_view name) {
   const auto dot = name.rfind('.');
   return dot == 0 || dot == std::string_view::npos ? std::string() : to_lower(name.substr(dot));
 }
 
-bool is_regular_file(const fs::directory_entry& entry) {
-  std::error_code error;
-  const bool is_file = entry.is_regular_file(error);
-  throw_if_out_of_memory(error);
-  return is_file;
+// Nothing for a file that a task is not read from. Only `.xyz` files can be preferred.
+std::optional<std::size_t> rank_of(std::string_view name) {
+  const auto kv_name = std::ranges::find(kv_file_names, name);
+  if (kv_name != std::end(kv_file_names)) {
+    return static_cast<std::size_t>(kv_name - std::begin(kv_file_names));
+  }
+  const std::string extension = extension_of(name);
+  if (extension == ".xyz" && name.starts_with("last_")) {
+    return preferred_geometry;
+  }
+  return extension == ".xyz" || extension == ".extxyz" ? std::optional(other_geometry)
+                                                       : std::nullopt;
 }
 
-// The files that may contain the geometry, in order of preference.
-std::vector<std::string> list_geometry_files(const std::string& dir) {
-  std::vector<std::string> preferred;
-  std::vector<std::string> ordinary;
-  std::error_code error;
-  const fs::directory_iterator entries(dir, error);
-  throw_if_out_of_memory(error);  // otherwise a directory that cannot be listed has no geometry
+// The listing knows the type of most entries, so no further system call is needed.
+std::vector<TaskFile> list_files(const fs::directory_iterator& entries) {
+  std::vector<TaskFile> files;
   for (const fs::directory_entry& entry : entries) {
     const std::string& path = entry.path().native();
-    const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
-    const std::string extension = extension_of(name);
-    if ((extension != ".xyz" && extension != ".extxyz") || !is_regular_file(entry)) {
-      continue;
+    const auto rank = rank_of(std::string_view(path).substr(path.rfind('/') + 1));
+    std::error_code error;
+    if (rank && entry.is_regular_file(error)) {
+      files.push_back({*rank, path});
     }
-    const bool is_preferred = extension == ".xyz" && name.starts_with("last_");
-    (is_preferred ? preferred : ordinary).push_back(path);
+    throw_if_out_of_memory(error);
   }
-  std::sort(preferred.begin(), preferred.end());
-  std::sort(ordinary.begin(), ordinary.end());
-  preferred.insert(preferred.end(), ordinary.begin(), ordinary.end());
-  return preferred;
+  std::ranges::sort(files);
+  return files;
 }
 
-Geometry read_first_geometry(const std::string& dir) {
-  for (const std::string& path : list_geometry_files(dir)) {
-    Geometry atoms = read_xyz_geometry(path);
-    if (!atoms.empty()) {
-      return atoms;
+// In a directory that cannot be listed, files are found by their names, and geometries not at all.
+std::vector<TaskFile> find_kv_files(const std::string& dir) {
+  std::vector<TaskFile> files;
+  for (const std::string_view name : kv_file_names) {
+    std::string path = join(dir, name);
+    std::error_code error;
+    if (fs::is_regular_file(path, error)) {
+      files.push_back({files.size(), std::move(path)});
+    }
+    throw_if_out_of_memory(error);
+  }
+  return files;
+}
+
+// Nothing if there is no such directory, which opening it for the listing shows.
+std::optional<std::vector<TaskFile>> find_files(const std::string& dir) {
+  std::error_code error;
+  const fs::directory_iterator entries(dir, error);
+  throw_if_out_of_memory(error);
+  if (!error) {
+    return list_files(entries);
+  }
+  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) {
+    return std::nullopt;
+  }
+  const bool is_there = fs::is_directory(dir, error);
+  throw_if_out_of_memory(error);
+  return is_there ? std::optional(find_kv_files(dir)) : std::nullopt;
+}
+
+struct Place {
+  std::string base;
+  std::vector<TaskFile> files;
+};
+
+// Siblings of the working directory win over its children; a name found nowhere resolves to the
+// missing sibling.
+Place find_place(std::string_view name) {
+  constexpr std::size_t longest_path = 4096;  // no system accepts more
+  const fs::path working_directory = fs::current_path();
+  const std::string here = working_directory.string();
+  if (is_working_directory_name(name)) {
+    return {here, find_files(here).value_or(std::vector<TaskFile>())};
+  }
+  const std::string siblings = working_directory.parent_path().string();
+  for (const std::string& base : {siblings, here, std::string()}) {
+    if (base.size() + name.size() > longest_path) {
+      continue;
+    }
+    if (auto files = find_files(join(base, name))) {
+      return {base, *std::move(files)};
     }
   }
-  return {};
+  return {siblings, {}};
 }
 
 }  // namespace
@@ -133,12 +162,12 @@ TaskDir read_task_dir(std::string_view name) {
   TaskDir task;
   task.name = name;
   task.base = std::move(place.base);
-  if (place.is_there) {
-    const std::string dir = task.dir();
-    for (const std::string_view file_name : kv_file_names) {
-      merge_kv_file(task.kv, dir + '/' + std::string(file_name));
+  for (const TaskFile& file : place.files) {
+    if (file.rank < preferred_geometry) {
+      merge_kv_file(task.kv, file.path);
+    } else if (task.atoms.empty()) {
+      task.atoms = read_xyz_geometry(file.path);
     }
-    task.atoms = read_first_geometry(dir);
   }
   return task;
 }

@@ -41,7 +41,7 @@ const std::vector<AssignCase> assign_cases = {
     {"ReplacedByALongerText", {{1, "a"}, {2, "b"}, {1, "longer"}}, {{1, "longer"}, {2, "b"}}},
     {"ReplacedByAnEmptyText", {{1, "a"}, {1, ""}}, {{1, ""}}},
     {"EmptyTextReplaced", {{1, ""}, {1, "a"}}, {{1, "a"}}},
-    {"ReplacedBehindTheGap", {{5, "e"}, {7, "g"}, {5, "x"}}, {{5, "x"}, {7, "g"}}},
+    {"ReplacedBeyondTheGap", {{5, "e"}, {7, "g"}, {5, "x"}}, {{5, "x"}, {7, "g"}}},
     {"StrayOvertakenByTheSequence",
      {{2, "old"}, {1, "a"}, {2, "new"}, {3, "c"}},
      {{1, "a"}, {2, "new"}, {3, "c"}}},
@@ -49,7 +49,7 @@ const std::vector<AssignCase> assign_cases = {
      {{2, "old"}, {2, "older"}, {1, "a"}, {2, "new"}, {2, "newest"}},
      {{1, "a"}, {2, "newest"}}},
     {"LargestNumber", {{last_atom, "z"}, {1, "a"}}, {{1, "a"}, {last_atom, "z"}}},
-    {"TwoRunsOneBehindTheOther",
+    {"TwoRunsInTurn",
      {{1, "a"}, {2, "b"}, {1, "c"}, {2, "d"}, {3, "e"}},
      {{1, "c"}, {2, "d"}, {3, "e"}}},
 };
@@ -118,7 +118,7 @@ TEST(AtomColumn, TakesAssignmentsBetweenLookUps) {
   EXPECT_EQ(column.find(6), std::nullopt);
 }
 
-TEST(AtomColumn, ListsAnAtomOnceThatWasBehindAGapAtALookUp) {
+TEST(AtomColumn, ListsAnAtomOnceThatWasBeyondAGapAtALookUp) {
   TextArena arena;
   AtomColumn column;
   column.assign(2, "old", arena);

@@ -24,7 +24,7 @@ const std::vector<UsedCase> used_cases = {
     {"SpellingsAreApart",
      {"self", "Self", ".", "", "./a", "a", "a/"},
      {"self", "Self", ".", "", "./a", "a", "a/"}},
-    {"BlanksAreNotTrimmed", {"a", " a", "a "}, {"a", " a", "a "}},
+    {"SpacesAreNotTrimmed", {"a", " a", "a "}, {"a", " a", "a "}},
     {"EmptyTextTwice", {"", ""}, {""}},
 };
 class UsedTasks : public testing::TestWithParam<UsedCase> {};

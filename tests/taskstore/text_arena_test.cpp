@@ -33,10 +33,10 @@ TEST(TextArena, TakesTextsAroundTheSizesOfItsBlocks) {
     const std::string_view before = copy_into(arena, "before");
     const std::string text(size, 'x');
     const std::string_view copy = copy_into(arena, text);
-    const std::string_view behind = copy_into(arena, "behind");
+    const std::string_view after = copy_into(arena, "after");
     EXPECT_EQ(before, "before");
     EXPECT_EQ(copy, text);
-    EXPECT_EQ(behind, "behind");
+    EXPECT_EQ(after, "after");
   }
 }
 
