@@ -114,18 +114,6 @@ void append_scaled(std::string& text, bool is_negative, std::uint64_t scaled,
 
 }  // namespace
 
-std::string format_value15(double value) {
-  std::string text;
-  append_value15(text, value);
-  return text;
-}
-
-std::string format_fixed10(double value) {
-  std::string text;
-  append_fixed10(text, value);
-  return text;
-}
-
 void append_value15(std::string& text, double value) {
   constexpr int digits = 15;
   constexpr double smallest = 1e-4;  // smaller values are printed in scientific notation
@@ -158,6 +146,12 @@ void append_fixed10(std::string& text, double value) {
   } else {
     append_with_library(text, value, std::chars_format::fixed, decimals);
   }
+}
+
+std::string format_fixed10(double value) {
+  std::string text;
+  append_fixed10(text, value);
+  return text;
 }
 
 }  // namespace vqvec

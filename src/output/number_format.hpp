@@ -6,15 +6,14 @@
 
 namespace vqvec {
 
-// As printf's %.15g: up to 15 significant digits, for every per-atom value.
-std::string format_value15(double value);
-
-// As printf's %.10f: 10 digits after the point, for coordinates.
-std::string format_fixed10(double value);
-
-// The same, appended to a text.
+// Appends the value as printf's %.15g: up to 15 significant digits, for per-atom values.
 void append_value15(std::string& text, double value);
+
+// Appends the value as printf's %.10f: 10 digits after the point, for coordinates.
 void append_fixed10(std::string& text, double value);
+
+// The same as a text of its own.
+std::string format_fixed10(double value);
 
 }  // namespace vqvec
 

@@ -22,12 +22,6 @@ void store_line(std::string_view raw, KvMap& pairs) {
 
 }  // namespace
 
-KvMap read_kv_file(const std::string& path) {
-  KvMap pairs;
-  merge_kv_file(pairs, path);
-  return pairs;
-}
-
 void merge_kv_file(KvMap& into, const std::string& path) {
   LineReader reader(path);
   std::string_view line;

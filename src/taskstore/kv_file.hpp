@@ -10,11 +10,9 @@
 
 namespace vqvec {
 
-// A key on several lines keeps its last value. White space around the line and the key is dropped;
-// after the '=' it is part of the value.
-KvMap read_kv_file(const std::string& path);
-
-// Sets every pair of the file in `into`, replacing earlier values.
+// Sets every pair of the file in `into`, replacing earlier values: a key on several lines keeps its
+// last value. White space around the line and the key is dropped; after the '=' it is part of the
+// value.
 void merge_kv_file(KvMap& into, const std::string& path);
 
 }  // namespace vqvec

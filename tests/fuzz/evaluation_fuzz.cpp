@@ -28,6 +28,7 @@
 #include "tests/reference/evaluation.hpp"
 #include "tests/reference/print.hpp"
 #include "tests/reference/statement.hpp"
+#include "tests/support/kv_pairs.hpp"
 #include "tests/support/same_number.hpp"
 #include "tests/support/scratch_dir.hpp"
 #include "tests/support/task_tree.hpp"

@@ -11,6 +11,7 @@
 #include "tests/fuzz/input.hpp"
 #include "tests/fuzz/require.hpp"
 #include "tests/reference/print.hpp"
+#include "tests/support/format_value15.hpp"
 #include "tests/support/same_number.hpp"
 
 namespace vqvec {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/reference/print.hpp"
+#include "tests/support/format_value15.hpp"
 
 namespace vqvec {
 namespace {

@@ -1,4 +1,4 @@
-// Lists everything in a KvMap, which the product itself only looks up.
+// Lists everything in a KvMap, in which the product itself only looks up keys.
 #ifndef VQVEC_TESTS_SUPPORT_KV_PAIRS_HPP
 #define VQVEC_TESTS_SUPPORT_KV_PAIRS_HPP
 
@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "taskstore/kv_file.hpp"
 #include "taskstore/kv_map.hpp"
 
 namespace vqvec {
@@ -53,6 +54,12 @@ inline KvPairs::Pairs pairs_of(const KvMap& map) {
 // All atoms that have a value, in their order.
 inline KvPairs::Entries entries_of(const AtomColumn& column) {
   return KvPairs::of(column);
+}
+
+inline KvMap read_kv_file(const std::string& path) {
+  KvMap map;
+  merge_kv_file(map, path);
+  return map;
 }
 
 }  // namespace vqvec
