@@ -17,8 +17,7 @@ namespace {
 
 // The arithmetic here and in the output relies on 64-bit doubles that are rounded after each
 // operation.
-static_assert(std::numeric_limits<double>::is_iec559);
-static_assert(std::numeric_limits<double>::digits == 53);
+static_assert(std::numeric_limits<double>::is_iec559 && sizeof(double) == sizeof(std::uint64_t));
 static_assert(FLT_EVAL_METHOD == 0);
 
 // At namespace scope: a local array would be copied on every call.

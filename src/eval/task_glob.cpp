@@ -33,7 +33,8 @@ std::vector<SearchRoot> search_roots(const fs::path& pattern) {
   return {{siblings, false}, {working_directory, false}};
 }
 
-// Adds the matching directories below the root. A root that is missing or cannot be listed has none.
+// Adds the matching directories below the root. A root that is missing or cannot be listed has
+// none.
 void search(const SearchRoot& root, const std::string& name_pattern,
             std::vector<std::string>& found) {
   std::error_code error;

@@ -1,12 +1,12 @@
 #include "taskstore/task_dir.hpp"
 
 #include <algorithm>
-#include <compare>
 #include <cstddef>
 #include <filesystem>
 #include <iterator>
 #include <optional>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -35,7 +35,9 @@ struct TaskFile {
   std::size_t rank;  // index in kv_file_names, or a geometry
   std::string path;
 
-  auto operator<=>(const TaskFile&) const = default;
+  bool operator<(const TaskFile& other) const {
+    return std::tie(rank, path) < std::tie(other.rank, other.path);
+  }
 };
 
 bool is_working_directory_name(std::string_view name) {
@@ -91,7 +93,7 @@ std::vector<TaskFile> list_files(const fs::directory_iterator& entries) {
     }
     throw_if_out_of_memory(error);
   }
-  std::ranges::sort(files);
+  std::sort(files.begin(), files.end());
   return files;
 }
 
