@@ -31,7 +31,7 @@ std::string only_symbol(const TaskDir& task) {
   return task.atoms.size() == 1 ? std::string(task.atoms.symbol(0)) : "(no geometry)";
 }
 
-// The directory that a text stands for
+// The directory of a task text
 
 struct PlaceCase {
   const char* name;
@@ -176,7 +176,7 @@ TEST(ResolveTask, FindsDirectoriesByLongPaths) {
   EXPECT_EQ(resolve_task(context, sibling).kv.find("k"), "v");
 }
 
-// What stands in the place of a sibling directory
+// Other things in place of a sibling directory
 
 struct PlaceTaken {
   const char* name;
@@ -467,7 +467,7 @@ TEST(ResolveTask, FindsTheGeometryOfTheWorkingDirectory) {
   EXPECT_EQ(only_symbol(resolve_task(context, ".")), "A");
 }
 
-// What stands in the place of the task's files
+// Other things in place of the task's files
 
 struct Intruder {
   const char* name;
