@@ -17,10 +17,9 @@ void append_variable(std::string& text, const std::string& key, const char* vari
 }  // namespace
 
 std::string values_text(std::string_view target, const AtomVector& result) {
-  constexpr std::size_t longest_numbers =
-      32;  // for most lines: "atoms.", an atom's number, a value
+  constexpr std::size_t longest_rest = 40;  // of most lines: "atoms.", an atom's number, a value
   std::string text;
-  text.reserve(result.size() * (target.size() + longest_numbers));
+  text.reserve(result.size() * (target.size() + longest_rest));
   for (std::size_t i = 0; i < result.size(); ++i) {
     text += "atoms.";
     text += std::to_string(i + 1);
