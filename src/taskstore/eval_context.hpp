@@ -17,15 +17,22 @@ namespace vqvec {
 // `texts`.
 class EvalContext {
  public:
+  explicit EvalContext(Positions positions = Positions::kept) : positions_(positions) {}
+
   // The tasks from which vectors were loaded, in order of first use, without duplicates.
   const std::vector<std::string_view>& used_tasks() const { return used_tasks_; }
   void add_used_task(std::string_view task_text);
+
+  // Frees the key-value data of all tasks, which nobody may read from now on. Their geometries
+  // stay.
+  void drop_values();
 
   TextPool texts;
 
  private:
   friend const TaskDir& resolve_task(EvalContext& context, std::string_view text);
 
+  Positions positions_;                        // in the geometries of all tasks
   std::map<std::string_view, TaskDir> tasks_;  // by trimmed task text
   std::vector<std::string_view> used_tasks_;
   std::set<std::string_view> is_used_;

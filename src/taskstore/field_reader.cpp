@@ -37,6 +37,27 @@ std::size_t number_length(std::string_view text) {
   return text.size();
 }
 
+// The length of an ordinary decimal number at the front of the text; 0 for any other number, such
+// as one that is long enough to be out of range.
+std::size_t plain_length(std::string_view text) {
+  constexpr std::size_t longest = 300;
+  const std::size_t end = std::min(text.size(), longest);
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  std::size_t i = first;
+  while (i < end && is_digit(text[i])) {
+    ++i;
+  }
+  std::size_t digits = i - first;
+  if (i < end && text[i] == '.') {
+    const std::size_t decimals = ++i;
+    while (i < end && is_digit(text[i])) {
+      ++i;
+    }
+    digits += i - decimals;
+  }
+  return digits > 0 && i < longest ? i : 0;
+}
+
 }  // namespace
 
 std::string_view FieldReader::read_word() {
@@ -58,6 +79,16 @@ std::optional<double> FieldReader::read_number() {
   const std::string_view number = rest_.substr(0, number_length(rest_));
   rest_.remove_prefix(number.size());
   return read_finite_number(number);
+}
+
+bool FieldReader::skip_number() {
+  skip_space();
+  const std::size_t length = plain_length(rest_);
+  if (length > 0 && (length == rest_.size() || is_space(rest_[length]))) {
+    rest_.remove_prefix(length);
+    return true;
+  }
+  return read_number().has_value();
 }
 
 void FieldReader::skip_space() {

@@ -20,6 +20,9 @@ class FieldReader {
   // bytes that a stream would consume.
   std::optional<double> read_number();
 
+  // Passes over a number. False, with the same bytes consumed, where read_number() gives nothing.
+  bool skip_number();
+
   // The bytes not read yet.
   std::string_view rest() const { return rest_; }
 

@@ -17,18 +17,26 @@ namespace {
 // Bounds the memory for a line without end.
 constexpr std::size_t longest_line = std::size_t{128} * 1024 * 1024;
 
-// Nothing when the line does not begin with a symbol and three coordinates.
-std::optional<GeomAtom> parse_atom_line(std::string_view line) {
+// Adds the atom of a line. False when the line does not begin with a symbol and three coordinates.
+bool add_atom(std::string_view line, Positions positions, Geometry& atoms) {
   FieldReader fields(line);
   const std::string_view symbol = fields.read_word();
-  const auto x = fields.read_number();
-  const auto y = x ? fields.read_number() : std::nullopt;
-  const auto z = y ? fields.read_number() : std::nullopt;
-  const bool may_be_cut = line.size() == longest_line && fields.rest().empty();
-  if (!z || may_be_cut) {
-    return std::nullopt;
+  if (positions == Positions::kept) {
+    const auto x = fields.read_number();
+    const auto y = x ? fields.read_number() : std::nullopt;
+    const auto z = y ? fields.read_number() : std::nullopt;
+    if (!z) {
+      return false;
+    }
+    atoms.push_back({symbol, *x, *y, *z});
+  } else {
+    if (!fields.skip_number() || !fields.skip_number() || !fields.skip_number()) {
+      return false;
+    }
+    atoms.push_back_symbol(symbol);
   }
-  return GeomAtom{symbol, *x, *y, *z};
+  const bool may_be_cut = line.size() == longest_line && fields.rest().empty();
+  return !may_be_cut;
 }
 
 // An estimate of what is left to read. A small file is in the buffer, which spares a system call.
@@ -67,14 +75,18 @@ std::string_view Geometry::symbol(std::size_t index) const {
   return long_symbols_[place];
 }
 
-void Geometry::reserve(std::size_t count) {
+void Geometry::reserve(std::size_t count, Positions positions) {
   symbols_.reserve(count);
-  positions_.reserve(count);
+  positions_.reserve(positions == Positions::kept ? count : 0);
 }
 
 void Geometry::push_back(const GeomAtom& atom) {
-  symbols_.push_back(make_symbol(atom.symbol));
+  push_back_symbol(atom.symbol);
   positions_.push_back({atom.x, atom.y, atom.z});
+}
+
+void Geometry::push_back_symbol(std::string_view symbol) {
+  symbols_.push_back(make_symbol(symbol));
 }
 
 Geometry::Symbol Geometry::make_symbol(std::string_view text) {
@@ -91,7 +103,7 @@ Geometry::Symbol Geometry::make_symbol(std::string_view text) {
   return symbol;
 }
 
-Geometry read_xyz_geometry(const std::string& path) {
+Geometry read_xyz_geometry(const std::string& path, Positions positions) {
   LineReader reader(path);
   std::string_view line;
   if (!reader.next_line(line, longest_line)) {
@@ -102,16 +114,11 @@ Geometry read_xyz_geometry(const std::string& path) {
     return {};
   }
   Geometry atoms;
-  atoms.reserve(plausible_count(count, size_of_rest(reader, path)));
+  atoms.reserve(plausible_count(count, size_of_rest(reader, path)), positions);
   while (atoms.size() < count) {
-    if (!reader.next_line(line, longest_line)) {
+    if (!reader.next_line(line, longest_line) || !add_atom(line, positions, atoms)) {
       return {};
     }
-    const std::optional<GeomAtom> atom = parse_atom_line(line);
-    if (!atom) {
-      return {};
-    }
-    atoms.push_back(*atom);
   }
   return atoms;
 }

@@ -20,18 +20,23 @@ struct GeomAtom {
   bool operator==(const GeomAtom&) const = default;
 };
 
-// A sequence of atoms. There may be millions, so each takes 32 bytes.
+// Positions are only kept for a run that writes them. They are checked in any case: a file with a
+// bad one is not usable.
+enum class Positions { kept, checked };
+
+// A sequence of atoms. There may be millions, so each takes 32 bytes, or 8 without its position.
 class Geometry {
  public:
-  bool empty() const { return positions_.empty(); }
-  std::size_t size() const { return positions_.size(); }
+  bool empty() const { return symbols_.empty(); }
+  std::size_t size() const { return symbols_.size(); }
 
-  // The symbol is valid until the next atom is added.
+  // The symbol is valid until the next atom is added. The position must have been kept.
   GeomAtom operator[](std::size_t index) const;
   std::string_view symbol(std::size_t index) const;
 
-  void reserve(std::size_t count);
+  void reserve(std::size_t count, Positions positions);
   void push_back(const GeomAtom& atom);
+  void push_back_symbol(std::string_view symbol);
 
  private:
   static constexpr std::size_t longest_in_place = 7;
@@ -56,7 +61,7 @@ class Geometry {
 
 // In the order of the file. Empty when the file holds no usable geometry for any reason: the caller
 // goes on to its next candidate.
-Geometry read_xyz_geometry(const std::string& path);
+Geometry read_xyz_geometry(const std::string& path, Positions positions = Positions::kept);
 
 }  // namespace vqvec
 

@@ -159,7 +159,7 @@ std::string TaskDir::dir() const {
   return is_working_directory_name(name) ? base : join(base, name);
 }
 
-TaskDir read_task_dir(std::string_view name) {
+TaskDir read_task_dir(std::string_view name, Positions positions) {
   Place place = find_place(name);
   TaskDir task;
   task.name = name;
@@ -168,7 +168,7 @@ TaskDir read_task_dir(std::string_view name) {
     if (file.rank < preferred_geometry) {
       merge_kv_file(task.kv, file.path);
     } else if (task.atoms.empty()) {
-      task.atoms = read_xyz_geometry(file.path);
+      task.atoms = read_xyz_geometry(file.path, positions);
     }
   }
   return task;

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/task_tree.hpp"
+
 namespace vqvec {
 namespace {
 
@@ -69,6 +71,30 @@ TEST(EvalContext, DoesNotAddAResolvedTaskToTheUsedTasks) {
   EvalContext context;
   resolve_task(context, "a");
   EXPECT_TRUE(context.used_tasks().empty());
+}
+
+TEST(EvalContext, DropsValuesButNotGeometries) {
+  const TaskTree tree;
+  tree.add_task("a", "atoms.1.q=1\n");
+  tree.write("a/a.xyz", "1\n\nH 1 2 3\n");
+  EvalContext context;
+  const TaskDir& task = resolve_task(context, "a");
+  ASSERT_EQ(task.kv.find("atoms.1.q"), "1");
+  context.drop_values();
+  EXPECT_EQ(&resolve_task(context, "a"), &task);
+  EXPECT_EQ(task.kv.find("atoms.1.q"), std::nullopt);
+  ASSERT_EQ(task.atoms.size(), 1U);
+  EXPECT_EQ(task.atoms[0], (GeomAtom{"H", 1, 2, 3}));
+}
+
+TEST(EvalContext, ReadsGeometriesWithoutPositionsIfTheyAreOnlyChecked) {
+  const TaskTree tree;
+  tree.write("a/a.xyz", "1\n\nH 1 2 x\n");
+  tree.write("a/b.xyz", "1\n\nO 1 2 3\n");
+  EvalContext context(Positions::checked);
+  const TaskDir& task = resolve_task(context, "a");
+  ASSERT_EQ(task.atoms.size(), 1U);
+  EXPECT_EQ(task.atoms.symbol(0), "O");
 }
 
 TEST(EvalContext, KeepsTextsThatNobodyElseKeeps) {

@@ -75,6 +75,12 @@ TEST_P(NumberField, EndsWhereTheNextByteCannotContinueIt) {
   EXPECT_PRED2(is_same_number, fields.read_number(), GetParam().expected);
   EXPECT_EQ(fields.read_word(), GetParam().next_word);
 }
+
+TEST_P(NumberField, IsPassedOver) {
+  FieldReader fields(GetParam().text);
+  EXPECT_TRUE(fields.skip_number());
+  EXPECT_EQ(fields.read_word(), GetParam().next_word);
+}
 INSTANTIATE_TEST_SUITE_P(Texts, NumberField, testing::ValuesIn(number_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
@@ -221,6 +227,17 @@ Fields read_fields(const std::string& text) {
   return fields;
 }
 
+// Passing over numbers accepts what reading them accepts, and leaves the same rest.
+void expect_skipped_as_read(const std::string& text) {
+  FieldReader reading(text);
+  FieldReader skipping(text);
+  for (bool goes_on = true; goes_on;) {
+    goes_on = reading.read_number().has_value();
+    ASSERT_EQ(skipping.skip_number(), goes_on) << "text [" << text << "]";
+    ASSERT_EQ(skipping.rest(), reading.rest()) << "text [" << text << "]";
+  }
+}
+
 std::string random_fields(std::mt19937_64& random) {
   static const std::vector<std::string> pieces = {
       "0",    "1",   "9",     "17",   "305", "4503599627370497",
@@ -256,6 +273,7 @@ TEST(RandomFields, WithoutASymbolAreReadAsAStreamReadsThemToo) {
     const std::string text = random_fields(random);
     ASSERT_EQ(read_fields<FieldReader>(text), read_fields<reference::FieldStream>(text))
         << "text [" << text << "]";
+    expect_skipped_as_read(text);
   }
 }
 
@@ -268,6 +286,7 @@ TEST(RandomFields, OfAnyBytesAreReadAsAStreamReadsThem) {
     }
     ASSERT_EQ(read_fields<FieldReader>(text), read_fields<reference::FieldStream>(text))
         << "text [" << text << "]";
+    expect_skipped_as_read(text);
   }
 }
 
@@ -277,6 +296,18 @@ TEST(RandomFields, OfManyDigitsAreReadAsAStreamReadsThem) {
     const std::string text = "H " + random_decimal(random);
     ASSERT_EQ(read_fields<FieldReader>(text), read_fields<reference::FieldStream>(text))
         << "text [" << text << "]";
+    expect_skipped_as_read(text.substr(2));
+  }
+}
+
+// A number of more than 308 digits before its point is out of range.
+TEST(LongFields, AreSkippedAsTheyAreRead) {
+  for (const std::size_t digits : {298U, 299U, 300U, 301U, 308U, 309U, 310U, 400U, 40'000U}) {
+    const std::string nines(digits, '9');
+    for (const std::string& text : {nines, "-" + nines, nines + ".5 x", "0." + nines, "." + nines,
+                                    nines + "e-100", nines + "x", nines + " 1"}) {
+      expect_skipped_as_read(text);
+    }
   }
 }
 

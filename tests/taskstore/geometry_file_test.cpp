@@ -125,6 +125,16 @@ const std::vector<ReadCase> read_cases = {
 };
 class ReadGeometry : public testing::TestWithParam<ReadCase> {};
 
+TEST_P(ReadGeometry, GivesTheSymbolsWhenPositionsAreOnlyChecked) {
+  const ScratchDir dir;
+  const Geometry atoms =
+      read_xyz_geometry(dir.write("in.xyz", GetParam().text), Positions::checked);
+  ASSERT_EQ(atoms.size(), GetParam().expected.size());
+  for (std::size_t i = 0; i < atoms.size(); ++i) {
+    EXPECT_EQ(atoms.symbol(i), GetParam().expected[i].symbol);
+  }
+}
+
 TEST_P(ReadGeometry, GivesTheAtomsInOrder) {
   const ScratchDir dir;
   EXPECT_EQ(atoms_of_file(dir.write("in.xyz", GetParam().text)), GetParam().expected);
@@ -208,7 +218,9 @@ class UnusableGeometry : public testing::TestWithParam<UnusableCase> {};
 
 TEST_P(UnusableGeometry, IsNoGeometryAndNoFailure) {
   const ScratchDir dir;
-  EXPECT_EQ(atoms_of_file(dir.write("in.xyz", GetParam().text)), Atoms());
+  const std::string path = dir.write("in.xyz", GetParam().text);
+  EXPECT_EQ(atoms_of_file(path), Atoms());
+  EXPECT_TRUE(read_xyz_geometry(path, Positions::checked).empty());
 }
 INSTANTIATE_TEST_SUITE_P(Files, UnusableGeometry, testing::ValuesIn(unusable_cases),
                          [](const auto& one) { return std::string(one.param.name); });
@@ -551,6 +563,7 @@ TEST(RandomGeometryFiles, AreReadAsStreamsReadThemBitForBit) {
     const Atoms expected = plain_read(text);
     ASSERT_EQ(bits_of(atoms_of_file(dir.write("in.xyz", text))), bits_of(expected))
         << "file [" << text << "]";
+    ASSERT_EQ(read_xyz_geometry(dir.path_of("in.xyz"), Positions::checked).size(), expected.size());
     usable += expected.empty() ? 0U : 1U;
   }
   EXPECT_GT(usable, 1'500U);  // the files are worth the comparison
