@@ -45,9 +45,8 @@ std::uintmax_t size_of_rest(const LineReader& reader, const std::string& path) {
   if (reader.buffered_size() < largest_small_file) {
     return reader.buffered_size();
   }
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  return error ? 0 : size;
+  std::error_code error;  // gives the largest number
+  return std::filesystem::file_size(path, error);
 }
 
 // How many atoms to reserve memory for: the count is untrusted. Each atom takes at least 8 bytes of

@@ -20,7 +20,8 @@ inline std::string random_decimal(std::mt19937_64& random) {
   text += '.';
   add_digits(1 + random() % 24);
   if (random() % 2 == 0) {
-    text += "e" + std::to_string(static_cast<int>(random() % 700) - 350);
+    text += 'e';
+    text += std::to_string(static_cast<int>(random() % 700) - 350);
   }
   return text;
 }
