@@ -18,7 +18,7 @@ install(FILES ${completions}/vqvec.bash
 install(FILES ${completions}/_vqvec DESTINATION ${share}/zsh/site-functions)
 install(FILES ${completions}/vqvec.fish DESTINATION ${share}/fish/vendor_completions.d)
 
-install(FILES README.md CHANGELOG.md LICENSE CITATION.cff
+install(FILES README.md CONTRIBUTING.md SECURITY.md CHANGELOG.md LICENSE CITATION.cff
   DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN man EXCLUDE)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
