@@ -3,10 +3,15 @@
 import math
 import statistics
 
-INTRODUCTION = """\
+SUMMARY = """\
 # Performance
 
-Time and memory of the program, compared with two kinds of program measured in the same run:
+Processor time and memory that `vqvec` needs for each [job](#the-jobs), and how many times as long
+NumPy, awk and Miller take for it. The [floor](#how-it-was-measured) is what no program can avoid.
+"""
+
+METHOD = """\
+Two kinds of program were measured in the same run:
 
 - The **floor** (`bench/floor.cpp`) does, for each job, only the work that no program can avoid. It
   makes the same system calls, reads each byte once, converts only the numbers that are used or
@@ -29,6 +34,7 @@ chart.
 """
 
 BASELINE = {"small": "true"}
+PEERS = ("NumPy", "awk", "Miller")
 
 
 class Result:
@@ -76,6 +82,22 @@ def table(head, rows):
     return line(head) + line(rule) + "".join(line(row) for row in rows)
 
 
+def summary_table(results):
+    head = ["job", "vqvec, ms", "vqvec, MiB", *(f"{peer} / vqvec" for peer in PEERS),
+            "vqvec / floor"]  # fmt: skip
+    rows = []
+    for result in results:
+        rows.append([
+            result.workload.name,
+            milliseconds(result.median("vqvec", "cpu")),
+            f"{result.median('vqvec', 'memory') / 1024:.1f}",
+            *(f"{result.ratio(peer, 'vqvec', 'cpu'):.1f}" if peer in result.runs else ""
+              for peer in PEERS),
+            f"{result.ratio('vqvec', result.baseline, 'cpu'):.2f}",
+        ])  # fmt: skip
+    return table(head, rows)
+
+
 def programs_table(results):
     head = ["job", "program", "rounds", "time, ms", "wall, ms", "memory, MiB",
             "time / floor", "memory / floor", "time / vqvec"]  # fmt: skip
@@ -83,7 +105,6 @@ def programs_table(results):
     for result in results:
         for program in result.runs:
             low, high = result.quartiles(program, "cpu")
-            is_peer = program in ("NumPy", "awk", "Miller")
             rows.append([
                 result.workload.name,
                 program,
@@ -94,7 +115,7 @@ def programs_table(results):
                 f"{result.median(program, 'memory') / 1024:.1f}",
                 f"{result.ratio(program, result.baseline, 'cpu'):.2f}",
                 f"{result.ratio(program, result.baseline, 'memory'):.2f}",
-                f"{result.ratio(program, 'vqvec', 'cpu'):.1f}" if is_peer else "",
+                f"{result.ratio(program, 'vqvec', 'cpu'):.1f}" if program in PEERS else "",
             ])  # fmt: skip
     return table(head, rows)
 
@@ -114,7 +135,7 @@ def aims_table(results):
             memory = result.ratio("vqvec", result.baseline, "memory")
             aim = f"{work.memory_aim:g} at most"
             add(result, f"memory / {base}", aim, memory, memory <= work.memory_aim)
-        for peer in [p for p in ("NumPy", "awk", "Miller") if p in result.runs]:
+        for peer in [p for p in PEERS if p in result.runs]:
             if work.name == "small" and peer != "awk":
                 continue
             faster = result.ratio(peer, "vqvec", "cpu")
@@ -134,7 +155,8 @@ def growth_tables(growths):
             [f"{point[0]:,}", milliseconds(time), f"{each:.3g}", f"{each / middle:.2f}"]
             for point, time, each in zip(growth.points, times, per_unit)
         ]
-        text += table([growth.name, "time, ms", unit, "relative to the middle row"], rows) + "\n"
+        size = growth.name if growth.name == f"{growth.unit}s" else f"{growth.name}, {growth.unit}s"
+        text += table([size, "time, ms", unit, "relative to the middle row"], rows) + "\n"
     return text
 
 
@@ -144,14 +166,15 @@ def jobs_list(results):
 
 
 def document(results, growths, machine, missing):
-    text = INTRODUCTION + "\n![Time of each program, relative to the floor](performance.svg)\n"
+    text = SUMMARY + "\n" + summary_table(results)
+    text += "\n![Time of each program, relative to the floor](performance.svg)\n"
     text += "\n## The jobs\n\n" + jobs_list(results)
     text += "\n## Measured\n\n" + programs_table(results)
-    text += "\n## Aims\n\n" + aims_table(results)
     text += "\n## Growth\n\n"
     text += "Growth of the program alone is linear if the last column does not increase.\n\n"
     text += growth_tables(growths)
-    text += "## The machine\n\n" + "".join(f"- {line}\n" for line in machine)
+    text += "## How it was measured\n\n" + METHOD
+    text += "\n## The machine\n\n" + "".join(f"- {line}\n" for line in machine)
     if missing:
         text += "\nNot installed for this measurement: " + ", ".join(missing) + ".\n"
     return text
