@@ -36,6 +36,8 @@
 namespace vqvec {
 namespace {
 
+using reference::print;
+
 // The tasks that statements can name. They are some levels down, so that a statement can go up
 // without leaving the tree.
 class Tasks {
@@ -106,7 +108,7 @@ bool stays_in_tree(std::string text) {
 std::string values_lines(const std::string& target, const std::vector<double>& result) {
   std::string text;
   for (std::size_t i = 0; i < result.size(); ++i) {
-    const std::string value = reference::print("%.15g", result[i]);
+    const std::string value = print("%.15g", result[i]);
     text += "atoms." + std::to_string(i + 1) + "." + target + "=" + value + "\n";
   }
   return text;
@@ -131,9 +133,9 @@ std::string geometry_files(const reference::Statement& statement, const referenc
     text += std::to_string(result.size()) + "\nProperties=species:S:1:pos:R:3:" + label +
             ":R:1 generated_by=vqvec\n";
     for (std::size_t i = 0; i < result.size(); ++i) {
-      text += atoms[i].symbol + " " + reference::print("%.10f", atoms[i].x) + " " +
-              reference::print("%.10f", atoms[i].y) + " " + reference::print("%.10f", atoms[i].z) +
-              " " + reference::print("%.15g", result[i]) + "\n";
+      text += atoms[i].symbol + " " + print("%.10f", atoms[i].x) + " " +
+              print("%.10f", atoms[i].y) + " " + print("%.10f", atoms[i].z) + " " +
+              print("%.15g", result[i]) + "\n";
     }
   }
   if (!statement.chg_path.empty()) {
@@ -141,10 +143,9 @@ std::string geometry_files(const reference::Statement& statement, const referenc
     for (std::size_t i = 0; i < result.size(); ++i) {
       text +=
           atoms[i].symbol + std::string(3 - std::min<std::size_t>(3, atoms[i].symbol.size()), ' ');
-      text += " " + reference::print("%16.10f", atoms[i].x) + " " +
-              reference::print("%16.10f", atoms[i].y) + " " +
-              reference::print("%16.10f", atoms[i].z) + " ";
-      text += (result[i] >= 0.0 ? " " : "") + reference::print("%.10f", result[i]) + "\n";
+      text += " " + print("%16.10f", atoms[i].x) + " " + print("%16.10f", atoms[i].y) + " " +
+              print("%16.10f", atoms[i].z) + " ";
+      text += (result[i] >= 0.0 ? " " : "") + print("%.10f", result[i]) + "\n";
     }
   }
   return text;
@@ -181,9 +182,9 @@ void require_values_read_back(const Tasks& tasks, const std::string& target,
   for (std::size_t i = 0; i < result.size(); ++i) {
     const auto found = map.find("atoms." + std::to_string(i + 1) + "." + target);
     require(found.has_value(), "a written value that is not read back");
-    require_equal(std::string(*found), reference::print("%.15g", result[i]), "a value read back");
+    require_equal(std::string(*found), print("%.15g", result[i]), "a value read back");
     const auto number = read_finite_number(*found);
-    const double printed = std::strtod(reference::print("%.15g", result[i]).c_str(), nullptr);
+    const double printed = std::strtod(print("%.15g", result[i]).c_str(), nullptr);
     require(number.has_value() == std::isfinite(printed), "whether a written value is a number");
     require(!number || is_same_number(*number, printed), "the number that was written");
   }

@@ -17,11 +17,13 @@
 namespace vqvec {
 namespace {
 
+using reference::print;
+
 void compare(double value) {
   const std::string value15 = format_value15(value);
   const std::string fixed10 = format_fixed10(value);
-  require_equal(value15, reference::print("%.15g", value), "format_value15");
-  require_equal(fixed10, reference::print("%.10f", value), "format_fixed10");
+  require_equal(value15, print("%.15g", value), "format_value15");
+  require_equal(fixed10, print("%.10f", value), "format_fixed10");
   for (const std::string& text : {value15, fixed10}) {
     const double printed = std::strtod(text.c_str(), nullptr);
     const auto value_read = read_finite_number(text);
