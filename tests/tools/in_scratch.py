@@ -25,7 +25,7 @@ class InScratch(unittest.TestCase):
         os.chdir(self.scratch + "/run")
 
     def write(self, path, text):
-        os.makedirs(os.path.dirname(path) or ".", exist_ok=True)
+        os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
         with open(path, "wb") as file:
             file.write(text if isinstance(text, bytes) else text.encode())
 
