@@ -1,7 +1,7 @@
 # The installed files. The version is inserted into those that show it.
 include(GNUInstallDirs)
 
-set(companions vqvec-check vqvec-weights)
+set(companions vqvec-check vqvec-import vqvec-weights)
 
 foreach(page vqvec ${companions})
   configure_file(docs/man/${page}.1.in man/${page}.1 @ONLY)
@@ -19,15 +19,19 @@ set(share ${CMAKE_INSTALL_DATADIR})
 set(completions packaging/completions)
 install(FILES ${completions}/vqvec.bash
   DESTINATION ${share}/bash-completion/completions RENAME vqvec)
-install(FILES ${completions}/_vqvec ${completions}/_vqvec_tools
+install(FILES ${completions}/_vqvec ${completions}/_vqvec_import ${completions}/_vqvec_tools
   DESTINATION ${share}/zsh/site-functions)
 install(FILES ${completions}/vqvec.fish DESTINATION ${share}/fish/vendor_completions.d)
 foreach(command ${companions})
   install(PROGRAMS tools/${command} DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${completions}/vqvec-tools.bash
-    DESTINATION ${share}/bash-completion/completions RENAME ${command})
   install(FILES ${completions}/${command}.fish DESTINATION ${share}/fish/vendor_completions.d)
 endforeach()
+foreach(command vqvec-check vqvec-weights)
+  install(FILES ${completions}/vqvec-tools.bash
+    DESTINATION ${share}/bash-completion/completions RENAME ${command})
+endforeach()
+install(FILES ${completions}/vqvec-import.bash
+  DESTINATION ${share}/bash-completion/completions RENAME vqvec-import)
 
 install(FILES README.md CONTRIBUTING.md SECURITY.md CHANGELOG.md LICENSE CITATION.cff
   DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
