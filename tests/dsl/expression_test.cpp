@@ -122,7 +122,7 @@ TEST(ParseExpressionLimits, RefusesOneMore) {
 }
 
 TEST(ParseExpressionLimits, CountsParenthesesThatAreNoCalls) {
-  const std::string text = "f" + std::string(1'001, '(') + std::string(1'001, ')');
+  const std::string text = std::string("f") + std::string(1'001, '(') + std::string(1'001, ')');
   EXPECT_EQ(failure_of([&] { parse_expression(text); }),
             "expression is nested more than 1000 parentheses deep");
 }

@@ -1,7 +1,6 @@
 #include "taskstore/geometry_file.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <bit>
@@ -13,14 +12,14 @@
 #include <iterator>
 #include <ostream>
 #include <random>
-#include <sstream>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <vector>
 
+#include "tests/reference/files.hpp"
 #include "tests/support/ordinary_user.hpp"
+#include "tests/support/peak_memory.hpp"
 #include "tests/support/scratch_dir.hpp"
 
 namespace vqvec {
@@ -255,12 +254,6 @@ TEST(ReadXyzGeometry, TakesANameOutsideAscii) {
 
 // Large files
 
-long peak_kilobytes() {
-  rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
-}
-
 // Writes pieces of one byte each as often as said, between texts, without having them in memory.
 class LargeFile {
  public:
@@ -448,49 +441,13 @@ TEST(Geometry, KeepsManyLongSymbolsApart) {
 
 // Against streams
 
-std::string plain_trim(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) {
-    return "";
-  }
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-Atoms plain_read(const std::string& bytes) {
-  std::istringstream file(bytes);
-  std::string line;
-  if (!std::getline(file, line)) {
-    return {};
-  }
-  std::uint64_t count = 0;
-  try {
-    count = std::stoull(plain_trim(line));
-  } catch (const std::logic_error&) {
-    return {};
-  }
-  std::getline(file, line);
-  Atoms atoms;
-  static std::deque<std::string> symbols;  // never moves its elements
-  for (; atoms.size() < count && std::getline(file, line);) {
-    std::istringstream fields(line);
-    std::string& symbol = symbols.emplace_back();
-    double x = 0.0;
-    double y = 0.0;
-    double z = 0.0;
-    if (!(fields >> symbol >> x >> y >> z)) {
-      return {};
-    }
-    atoms.push_back({symbol, x, y, z});
-  }
-  return atoms.size() == count ? atoms : Atoms();
-}
-
 // Distinguishes 0.0 from -0.0.
 using AtomBits = std::tuple<std::string, std::uint64_t, std::uint64_t, std::uint64_t>;
 
-std::vector<AtomBits> bits_of(const Atoms& atoms) {
+template <typename Atom>
+std::vector<AtomBits> bits_of(const std::vector<Atom>& atoms) {
   std::vector<AtomBits> bits;
-  for (const GeomAtom& atom : atoms) {
+  for (const Atom& atom : atoms) {
     bits.emplace_back(atom.symbol, std::bit_cast<std::uint64_t>(atom.x),
                       std::bit_cast<std::uint64_t>(atom.y), std::bit_cast<std::uint64_t>(atom.z));
   }
@@ -560,7 +517,7 @@ TEST(RandomGeometryFiles, AreReadAsStreamsReadThemBitForBit) {
   std::size_t usable = 0;
   for (int i = 0; i < 6'000; ++i) {
     const std::string text = random_geometry_file(random);
-    const Atoms expected = plain_read(text);
+    const std::vector<reference::Atom> expected = reference::read_xyz_text(text);
     ASSERT_EQ(bits_of(atoms_of_file(dir.write("in.xyz", text))), bits_of(expected))
         << "file [" << text << "]";
     ASSERT_EQ(read_xyz_geometry(dir.path_of("in.xyz"), Positions::checked).size(), expected.size());
@@ -578,7 +535,8 @@ TEST(RandomGeometryFiles, OfAnyBytesAreReadAsStreamsReadThem) {
     for (auto length = random() % 60; length > 0; --length) {
       text += random() % 8 == 0 ? static_cast<char>(random() % 256) : "\nH  012.-"[random() % 9];
     }
-    ASSERT_EQ(bits_of(atoms_of_file(dir.write("in.xyz", text))), bits_of(plain_read(text)))
+    ASSERT_EQ(bits_of(atoms_of_file(dir.write("in.xyz", text))),
+              bits_of(reference::read_xyz_text(text)))
         << "file [" << text << "]";
   }
 }

@@ -1,7 +1,6 @@
 #include "taskstore/line_reader.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 #include <fstream>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "tests/support/ordinary_user.hpp"
+#include "tests/support/peak_memory.hpp"
 #include "tests/support/scratch_dir.hpp"
 
 namespace vqvec {
@@ -244,12 +244,6 @@ TEST(LineReader, ReadsTheLinesThatAStreamReads) {
 }
 
 // Memory
-
-long peak_kilobytes() {
-  rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
-}
 
 TEST(LineReader, NeedsNoMemoryForALineOfWhichNothingIsKept) {
   const ScratchDir dir;
