@@ -159,7 +159,7 @@ TEST(UnquoteArgumentViews, ResultsOfOnePoolStayValid) {
   for (int i = 0; i < 1000; ++i) {
     const std::string escaped = "\"\\\\" + std::to_string(i) + "\"";
     results.push_back(unquote_argument(escaped, pool));
-    expected.push_back(std::string(1, '\\') + std::to_string(i));
+    expected.push_back(std::string("\\").append(std::to_string(i)));
   }
   EXPECT_EQ(std::vector<std::string>(results.begin(), results.end()), expected);
 }
