@@ -105,7 +105,8 @@ Geometry::Symbol Geometry::make_symbol(std::string_view text) {
 Geometry read_xyz_geometry(const std::string& path, Positions positions) {
   LineReader reader(path);
   std::string_view line;
-  if (!reader.next_line(line, longest_line)) {
+  const bool has_count_line = reader.next_line(line, longest_line);
+  if (!has_count_line || line.size() == longest_line) {  // the count may be cut
     return {};
   }
   const std::uint64_t count = read_count(line).value_or(0);

@@ -44,8 +44,8 @@ class LineReader {
 
   static constexpr std::size_t buffer_size = 32768;
 
-  std::array<char, buffer_size>
-      buffer_;  // uninitialised: clearing 32 KiB would slow down small files
+  // Uninitialised: clearing 32 KiB would slow down small files.
+  std::array<char, buffer_size> buffer_;
   FileBuffer file_;
   bool has_failed_ = false;
   std::string line_;  // one that does not fit into the buffer

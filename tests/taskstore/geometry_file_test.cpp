@@ -361,6 +361,16 @@ TEST_P(EndlessLine, MakesTheFileUnusable) {
 INSTANTIATE_TEST_SUITE_P(Lines, EndlessLine, testing::ValuesIn(endless_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
+// The limit falls between the two digits.
+TEST(LargeGeometryFile, IsUnusableIfItsCountMayBeCut) {
+  const ScratchDir dir;
+  const std::string path = LargeFile(dir.path_of("in.xyz"))
+                               .add(134, '0')
+                               .add(std::string(217'727, '0') + "12\n\nH 1 2 3\n")
+                               .close();
+  EXPECT_EQ(atoms_of_file(path), Atoms());
+}
+
 TEST(LargeGeometryFile, MayHaveAHundredThousandAtoms) {
   std::string text = "100000\n\n";
   for (int i = 0; i < 100'000; ++i) {
