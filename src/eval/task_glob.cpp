@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "dsl/lexical.hpp"
+#include "platform/path_text.hpp"
 #include "taskstore/memory_failure.hpp"
 
 namespace vqvec {
@@ -44,9 +45,9 @@ void search(const SearchRoot& root, const std::string& name_pattern,
     if (!entry.is_directory()) {  // before the name: a link that cannot be examined is a failure
       continue;
     }
-    const std::string name = entry.path().filename().string();
+    const std::string name = to_text(entry.path().filename());
     if (wildcard_match(name_pattern, name)) {
-      found.push_back(root.keeps_path ? entry.path().string() : name);
+      found.push_back(root.keeps_path ? to_text(entry.path()) : name);
     }
   }
 }
@@ -54,7 +55,7 @@ void search(const SearchRoot& root, const std::string& name_pattern,
 std::vector<std::string> find_tasks(const fs::path& pattern) {
   std::vector<std::string> found;
   for (const SearchRoot& root : search_roots(pattern)) {
-    search(root, pattern.filename().string(), found);
+    search(root, to_text(pattern.filename()), found);
   }
   std::sort(found.begin(), found.end());
   return found;
@@ -97,7 +98,7 @@ std::vector<AtomVecRef> expand_task_glob(std::string_view pattern_text, TextPool
     return {ref};
   }
   std::vector<AtomVecRef> refs;
-  for (std::string& task : find_tasks(ref.task)) {
+  for (std::string& task : find_tasks(to_path(ref.task))) {
     refs.push_back({pool.keep(std::move(task)), ref.property});
   }
   if (refs.empty()) {

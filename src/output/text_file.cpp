@@ -1,15 +1,17 @@
 #include "output/text_file.hpp"
 
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <system_error>
+
+#include "platform/file.hpp"
+#include "platform/path_text.hpp"
 
 namespace vqvec {
 namespace {
 
 void ensure_parent_directory(const std::string& path) {
-  const std::filesystem::path parent = std::filesystem::path(path).parent_path();
+  const std::filesystem::path parent = to_path(path).parent_path();
   if (parent.empty()) {
     return;
   }
@@ -21,19 +23,17 @@ void ensure_parent_directory(const std::string& path) {
   }
 }
 
-void put_text(const std::string& path, std::string_view text, std::ios::openmode mode,
+void put_text(const std::string& path, std::string_view text, const char* mode,
               std::string_view purpose) {
   if (path.empty()) {
     return;
   }
   ensure_parent_directory(path);
-  std::filebuf file;
-  file.pubsetbuf(nullptr, 0);
-  if (file.open(path, std::ios::out | std::ios::binary | mode) == nullptr) {
+  const File file = open_file(path, mode);
+  if (!file) {
     throw std::runtime_error("could not open file for " + std::string(purpose) + ": " + path);
   }
-  const auto size = static_cast<std::streamsize>(text.size());
-  if (file.sputn(text.data(), size) != size) {
+  if (std::fwrite(text.data(), 1, text.size(), file.get()) != text.size()) {
     throw std::runtime_error("could not write file: " + path);
   }
 }
@@ -41,11 +41,11 @@ void put_text(const std::string& path, std::string_view text, std::ios::openmode
 }  // namespace
 
 void append_text_file(const std::string& path, std::string_view text) {
-  put_text(path, text, std::ios::app, "appending");
+  put_text(path, text, "ab", "appending");
 }
 
 void write_text_file(const std::string& path, std::string_view text) {
-  put_text(path, text, std::ios::trunc, "writing");
+  put_text(path, text, "wb", "writing");
 }
 
 }  // namespace vqvec

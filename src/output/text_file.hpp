@@ -1,4 +1,4 @@
-// The program's only writers. Each text is written by one call on an unbuffered stream, so that
+// The program's only writers. Each text is written by one call on an unbuffered file, so that
 // runs appending to the same file do not split each other's lines, and a full disk is noticed while
 // it can still be reported. Missing parent directories are created; an empty path means no file.
 #ifndef VQVEC_OUTPUT_TEXT_FILE_HPP

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "dsl/number.hpp"
+#include "platform/path_text.hpp"
 #include "taskstore/field_reader.hpp"
 #include "taskstore/line_reader.hpp"
 
@@ -46,7 +47,7 @@ std::uintmax_t size_of_rest(const LineReader& reader, const std::string& path) {
     return reader.buffered_size();
   }
   std::error_code error;  // gives the largest number
-  return std::filesystem::file_size(path, error);
+  return std::filesystem::file_size(to_path(path), error);
 }
 
 // How many atoms to reserve memory for: the count is untrusted. Each atom takes at least 8 bytes of

@@ -1,31 +1,27 @@
 #include "taskstore/line_reader.hpp"
 
 #include <cerrno>
-#include <filesystem>
-#include <ios>
 #include <system_error>
 
 #include "taskstore/memory_failure.hpp"
 
 namespace vqvec {
 
-LineReader::LineReader(const std::string& path) {
-  file_.pubsetbuf(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
-  if (file_.open(path, std::ios::in) == nullptr) {
+LineReader::LineReader(const std::string& path) : file_(open_file(path, "rb")) {
+  if (!file_) {
     throw_if_out_of_memory(std::error_code(errno, std::generic_category()));
   }
 }
 
 // The buffered bytes up to the next line feed, or all of them. False at the end of the file.
 inline bool LineReader::next_piece(Piece& piece) {
-  if (file_.bytes().empty() && !fill()) {
+  if (buffered_.empty() && !fill()) {
     return false;
   }
-  const std::string_view bytes = file_.bytes();
-  const auto line_feed = bytes.find('\n');
+  const auto line_feed = buffered_.find('\n');
   piece.is_last = line_feed != std::string_view::npos;
-  piece.bytes = bytes.substr(0, line_feed);
-  file_.pass(piece.bytes.size() + (piece.is_last ? 1 : 0));
+  piece.bytes = buffered_.substr(0, line_feed);
+  buffered_.remove_prefix(piece.bytes.size() + (piece.is_last ? 1 : 0));
   return true;
 }
 
@@ -43,16 +39,19 @@ bool LineReader::next_line(std::string_view& line, std::size_t most_bytes) {
     line_ += piece.bytes.substr(0, most_bytes - line_.size());
   }
   line = line_;
-  return !has_failed_;
+  return piece.is_last || !has_failed_;
 }
 
 bool LineReader::fill() {
-  try {
-    return file_.sgetc() != std::filebuf::traits_type::eof();
-  } catch (const std::ios_base::failure&) {  // a read error
-    has_failed_ = true;
+  if (!file_) {
     return false;
   }
+  buffered_ = {buffer_.data(), std::fread(buffer_.data(), 1, buffer_.size(), file_.get())};
+  if (buffered_.size() < buffer_.size()) {
+    has_failed_ = std::ferror(file_.get()) != 0;
+    file_.reset();
+  }
+  return !buffered_.empty();
 }
 
 }  // namespace vqvec

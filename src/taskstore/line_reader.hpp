@@ -6,9 +6,10 @@
 
 #include <array>
 #include <cstddef>
-#include <fstream>
 #include <string>
 #include <string_view>
+
+#include "platform/file.hpp"
 
 namespace vqvec {
 
@@ -17,7 +18,7 @@ class LineReader {
   explicit LineReader(const std::string& path);
 
   // How much of the file is in the buffer and not read yet.
-  std::size_t buffered_size() const { return file_.bytes().size(); }
+  std::size_t buffered_size() const { return buffered_.size(); }
 
   // Sets `line` to the next line without its line feed, which the last line may lack. False at the
   // end of the file, or at a read error, which drops the line that it cut. The view is valid until
@@ -26,13 +27,6 @@ class LineReader {
   bool next_line(std::string_view& line, std::size_t most_bytes = std::string_view::npos);
 
  private:
-  // A file buffer that shows its contents, so that lines can be parsed in place.
-  class FileBuffer : public std::filebuf {
-   public:
-    std::string_view bytes() const { return {gptr(), static_cast<std::size_t>(egptr() - gptr())}; }
-    void pass(std::size_t size) { gbump(static_cast<int>(size)); }
-  };
-
   // A part of a line.
   struct Piece {
     std::string_view bytes;
@@ -46,7 +40,8 @@ class LineReader {
 
   // Uninitialised: clearing 32 KiB would slow down small files.
   std::array<char, buffer_size> buffer_;
-  FileBuffer file_;
+  std::string_view buffered_;  // not read yet
+  File file_;                  // null if there is nothing to read
   bool has_failed_ = false;
   std::string line_;  // one that does not fit into the buffer
 };

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "dsl/lexical.hpp"
+#include "platform/path_text.hpp"
 #include "taskstore/kv_file.hpp"
 #include "taskstore/memory_failure.hpp"
 
@@ -52,7 +53,7 @@ bool is_working_directory_name(std::string_view name) {
 // The same as `base / name` with filesystem paths, without parsing both: there may be thousands of
 // tasks.
 std::string join(const std::string& base, std::string_view name) {
-  if (base.empty() || name.starts_with('/')) {
+  if (base.empty() || has_root(name)) {
     return std::string(name);
   }
   std::string path = base;
@@ -69,7 +70,7 @@ std::string extension_of(std::string_view name) {
 
 // Nothing for a file that a task is not read from. Only `.xyz` files can be preferred.
 std::optional<std::size_t> rank_of(std::string_view name) {
-  const auto kv_name = std::ranges::find(kv_file_names, name);
+  const auto kv_name = std::find(std::begin(kv_file_names), std::end(kv_file_names), name);
   if (kv_name != std::end(kv_file_names)) {
     return static_cast<std::size_t>(kv_name - std::begin(kv_file_names));
   }
@@ -85,11 +86,11 @@ std::optional<std::size_t> rank_of(std::string_view name) {
 std::vector<TaskFile> list_files(const fs::directory_iterator& entries) {
   std::vector<TaskFile> files;
   for (const fs::directory_entry& entry : entries) {
-    const std::string& path = entry.path().native();
+    std::string path = to_text(entry.path());
     const auto rank = rank_of(std::string_view(path).substr(path.rfind('/') + 1));
     std::error_code error;
     if (rank && entry.is_regular_file(error)) {
-      files.push_back({*rank, path});
+      files.push_back({*rank, std::move(path)});
     }
     throw_if_out_of_memory(error);
   }
@@ -103,7 +104,7 @@ std::vector<TaskFile> find_kv_files(const std::string& dir) {
   for (const std::string_view name : kv_file_names) {
     std::string path = join(dir, name);
     std::error_code error;
-    if (fs::is_regular_file(path, error)) {
+    if (fs::is_regular_file(to_path(path), error)) {
       files.push_back({files.size(), std::move(path)});
     }
     throw_if_out_of_memory(error);
@@ -114,7 +115,7 @@ std::vector<TaskFile> find_kv_files(const std::string& dir) {
 // Nothing if there is no such directory, which opening it for the listing shows.
 std::optional<std::vector<TaskFile>> find_files(const std::string& dir) {
   std::error_code error;
-  const fs::directory_iterator entries(dir, error);
+  const fs::directory_iterator entries(to_path(dir), error);
   throw_if_out_of_memory(error);
   if (!error) {
     return list_files(entries);
@@ -122,7 +123,7 @@ std::optional<std::vector<TaskFile>> find_files(const std::string& dir) {
   if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) {
     return std::nullopt;
   }
-  const bool is_there = fs::is_directory(dir, error);
+  const bool is_there = fs::is_directory(to_path(dir), error);
   throw_if_out_of_memory(error);
   return is_there ? std::optional(find_kv_files(dir)) : std::nullopt;
 }
@@ -137,11 +138,11 @@ struct Place {
 Place find_place(std::string_view name) {
   constexpr std::size_t longest_path = 4096;  // no system accepts more
   const fs::path working_directory = fs::current_path();
-  const std::string here = working_directory.string();
+  const std::string here = to_text(working_directory);
   if (is_working_directory_name(name)) {
     return {here, find_files(here).value_or(std::vector<TaskFile>())};
   }
-  const std::string siblings = working_directory.parent_path().string();
+  const std::string siblings = to_text(working_directory.parent_path());
   for (const std::string& base : {siblings, here, std::string()}) {
     if (base.size() + name.size() > longest_path) {
       continue;
