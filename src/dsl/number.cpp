@@ -65,18 +65,20 @@ std::optional<double> read_with_strtod(std::string_view text) {
 
 // Nearly all numbers are plain decimals, and from_chars reads nearly all others; both are several
 // times faster than strtod and give the same double. strtod reads the rest: a leading '+' or white
-// space, hexadecimal forms, values out of range.
+// space, hexadecimal forms, values out of range. Some libraries have no from_chars for doubles.
 std::optional<double> read_number(std::string_view text) {
   const auto plain = read_plain_decimal(text);
   if (plain && plain->length == text.size()) {
     return plain->value;
   }
+#ifdef __cpp_lib_to_chars
   double value = 0.0;
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, value);
   if (error == std::errc() && rest == end) {
     return value;
   }
+#endif
   return read_with_strtod(text);
 }
 

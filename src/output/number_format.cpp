@@ -1,11 +1,13 @@
 #include "output/number_format.hpp"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstring>
 #include <iterator>
+#include <limits>
 #include <string_view>
 
 #include "dsl/eight_digits.hpp"
@@ -13,18 +15,48 @@
 namespace vqvec {
 namespace {
 
-// For any value.
-void append_with_library(std::string& text, double value, std::chars_format format, int precision) {
+// The notations of printf.
+enum class Notation : char { fixed = 'f', general = 'g' };
+
+// An invalid operation, such as inf - inf, gives a NaN whose sign depends on the processor. Here
+// its sign is always the one that x86 gives it.
+std::string_view nan_text(double value) {
+  const volatile double infinity = std::numeric_limits<double>::infinity();
+  return std::signbit(value) == std::signbit(infinity - infinity) ? "-nan" : "nan";
+}
+
+// For any value. Some libraries have no to_chars for doubles, and printf is several times slower.
+void append_with_library(std::string& text, double value, Notation notation, int precision) {
+  if (std::isnan(value)) {
+    text += nan_text(value);
+    return;
+  }
   constexpr std::size_t longest_number = 336;  // a sign, 309 digits, a point, some more digits
   char digits[longest_number];
+#ifdef __cpp_lib_to_chars
+  const auto format =
+      notation == Notation::fixed ? std::chars_format::fixed : std::chars_format::general;
   const auto end = std::to_chars(digits, std::end(digits), value, format, precision).ptr;
   text.append(digits, end);
+#else
+  const char format[] = {'%', '.', '*', static_cast<char>(notation), '\0'};
+  const int length = std::snprintf(digits, sizeof digits, format, precision, value);
+  text.append(digits, static_cast<std::size_t>(length));
+#endif
 }
 
 // Values of ordinary size are printed three times as fast, as an integer of all their printed
 // digits. A double is a 53-bit integer times a power of two, so its product with a power of ten up
 // to 10^22 is exact in 128 bits, and rounding that product (to nearest, ties to even) gives
-// printf's digits.
+// printf's digits. Compilers for 32-bit processors have no such integers.
+
+#ifdef __SIZEOF_INT128__
+constexpr bool has_wide_integers = true;
+__extension__ using Wide = unsigned __int128;
+#else
+constexpr bool has_wide_integers = false;
+using Wide = std::uint64_t;  // not used
+#endif
 
 constexpr std::uint64_t powers_of_ten[] = {
     1ULL,
@@ -55,12 +87,12 @@ constexpr double decades[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1,  1e2,  1e3,  1e4, 1e5,
 
 // |value| * 10^power, rounded. The value must be below 2^52 and the result below 2^64.
 std::uint64_t scale_and_round(double value, int power) {
-  __extension__ using Wide = unsigned __int128;
   constexpr unsigned mantissa_bits = 52;
   constexpr unsigned exponent_mask = 0x7FF;
   constexpr unsigned exponent_bias = 1075;  // for the mantissa as an integer
   constexpr unsigned widest_product = 117;  // bits of a mantissa times 10^19
-  const auto bits = std::bit_cast<std::uint64_t>(value);
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
   const auto exponent = static_cast<unsigned>(bits >> mantissa_bits) & exponent_mask;
   const unsigned shift = exponent_bias - exponent;
   if (shift > widest_product) {
@@ -119,8 +151,9 @@ void append_value15(std::string& text, double value) {
   constexpr double smallest = 1e-4;  // smaller values are printed in scientific notation
   constexpr double limit = 1e14;
   const double magnitude = std::fabs(value);
-  if (!(magnitude >= smallest && magnitude < limit)) {
-    append_with_library(text, value, std::chars_format::general, digits);
+  const bool is_ordinary = magnitude >= smallest && magnitude < limit;
+  if (!has_wide_integers || !is_ordinary) {
+    append_with_library(text, value, Notation::general, digits);
     return;
   }
   // As many decimals as give 15 digits in all. Rounding up can add one digit.
@@ -141,10 +174,10 @@ void append_value15(std::string& text, double value) {
 void append_fixed10(std::string& text, double value) {
   constexpr int decimals = 10;
   constexpr double limit = 1e9;  // smaller values fit into 64 bits when scaled
-  if (std::fabs(value) < limit) {
+  if (has_wide_integers && std::fabs(value) < limit) {
     append_scaled(text, std::signbit(value), scale_and_round(value, decimals), decimals);
   } else {
-    append_with_library(text, value, std::chars_format::fixed, decimals);
+    append_with_library(text, value, Notation::fixed, decimals);
   }
 }
 

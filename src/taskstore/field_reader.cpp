@@ -63,7 +63,7 @@ std::size_t plain_length(std::string_view text) {
 std::string_view FieldReader::read_word() {
   skip_space();
   const auto end = std::find_if(rest_.begin(), rest_.end(), is_space);
-  const std::string_view word(rest_.begin(), end);
+  const std::string_view word = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
   rest_.remove_prefix(word.size());
   return word;
 }

@@ -25,7 +25,7 @@ std::optional<AtomKey> parse_atom_key(std::string_view key) {
   if (error != std::errc() || dot == end || *dot != '.') {
     return std::nullopt;
   }
-  return AtomKey{atom, {dot + 1, end}};
+  return AtomKey{atom, key.substr(static_cast<std::size_t>(dot - key.data()) + 1)};
 }
 
 void AtomColumn::add(std::uint64_t atom, std::string_view value, TextArena& arena) {
@@ -50,7 +50,7 @@ void AtomColumn::close_gap() {
 
 std::optional<std::string_view> AtomColumn::find(std::uint64_t atom) const {
   if (atom - 1 < leading_.size()) {
-    return leading_[atom - 1].text();
+    return leading_[static_cast<std::size_t>(atom) - 1].text();
   }
   const auto found = beyond_gap_.find(atom);
   return found == beyond_gap_.end() ? std::nullopt : std::optional(found->second.text());

@@ -35,7 +35,7 @@ class AtomColumn {
   // must be the same in every call, and outlive the column.
   void assign(std::uint64_t atom, std::string_view value, TextArena& arena) {
     if (atom - 1 < leading_.size()) {
-      leading_[atom - 1].assign(value, arena);
+      leading_[static_cast<std::size_t>(atom) - 1].assign(value, arena);
     } else {
       add(atom, value, arena);
     }

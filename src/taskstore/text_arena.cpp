@@ -14,7 +14,7 @@ char* TextArena::allocate(std::size_t size) {
     const std::size_t last_size = blocks_.empty() ? 0 : blocks_.back().size;
     const std::size_t block_size =
         std::max(needed, std::clamp(2 * last_size, smallest_block, largest_block));
-    blocks_.push_back({std::make_unique_for_overwrite<char[]>(block_size), block_size});
+    blocks_.push_back({std::unique_ptr<char[]>(new char[block_size]), block_size});
     used_ = 0;
   }
   char* const room = blocks_.back().bytes.get() + used_;
