@@ -43,7 +43,9 @@ endif()
 # A static program runs on any node of a cluster and starts in half the time. If it is also
 # position-independent, it is loaded at a random address, and finds its exception tables at once.
 add_library(vqvec_static INTERFACE)
-if(VQVEC_STATIC)
+if(VQVEC_STATIC AND WIN32)
+  target_link_options(vqvec_static INTERFACE -static)
+elseif(VQVEC_STATIC)
   foreach(kind static-pie static)
     cmake_push_check_state(RESET)
     set(CMAKE_REQUIRED_FLAGS -fPIE)

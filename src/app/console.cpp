@@ -4,10 +4,15 @@
 #include <cstdio>
 #include <iostream>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 namespace vqvec {
 namespace {
 
-void ignore_signal(int signal) {
+[[maybe_unused]] void ignore_signal(int signal) {  // not every system has such signals
   static_cast<void>(std::signal(signal, SIG_IGN));
 }
 
@@ -40,6 +45,11 @@ void prepare_console() {
   static char error_line[std::size_t{4} * 1024 * 1024];
   static_cast<void>(std::setvbuf(stderr, error_line, _IOFBF, sizeof error_line));
   std::cerr.unsetf(std::ios::unitbuf);
+#ifdef _WIN32
+  // Else each line would end in CR LF.
+  static_cast<void>(_setmode(_fileno(stdout), _O_BINARY));
+  static_cast<void>(_setmode(_fileno(stderr), _O_BINARY));
+#endif
 #ifdef SIGPIPE
   ignore_signal(SIGPIPE);
 #endif
