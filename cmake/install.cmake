@@ -1,7 +1,7 @@
 # The installed files. The version is inserted into those that show it.
 include(GNUInstallDirs)
 
-set(companions vqvec-check vqvec-import vqvec-weights)
+set(companions vqvec-check vqvec-draw vqvec-import vqvec-weights)
 
 foreach(page vqvec ${companions})
   configure_file(docs/man/${page}.1.in man/${page}.1 @ONLY)
@@ -26,7 +26,7 @@ foreach(command ${companions})
   install(PROGRAMS tools/${command} DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES ${completions}/${command}.fish DESTINATION ${share}/fish/vendor_completions.d)
 endforeach()
-foreach(command vqvec-check vqvec-weights)
+foreach(command vqvec-check vqvec-draw vqvec-weights)
   install(FILES ${completions}/vqvec-tools.bash
     DESTINATION ${share}/bash-completion/completions RENAME ${command})
 endforeach()

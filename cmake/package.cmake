@@ -22,5 +22,5 @@ over them: means, Boltzmann averages, differences and totals, with a check
 that all tasks describe the same atoms. It writes the result to a key-value
 file and, with the positions of the atoms, to files for molecular viewers.")
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3:any")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "openbabel, python3-ase, xtb")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "openbabel, python3-ase, python3-matplotlib, xtb")
 include(CPack)

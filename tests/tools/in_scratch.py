@@ -1,4 +1,4 @@
-"""Shared by the tests of vqvec-check and vqvec-weights."""
+"""Shared by the tests of vqvec-check, vqvec-draw and vqvec-weights."""
 import os
 import shutil
 import subprocess
