@@ -20,7 +20,8 @@ r"""The text of a case: sections, each below a header with its name.
 
 The commands run in a directory that holds the files of in/ and is the only entry of its parent, so
 that a search among siblings finds it and nothing else. @DIR@ in stdout and stderr is its path. A
-file that no section names is a difference; an empty directory isn't.
+file that no section names is a difference; an empty directory isn't. $CASES is the directory of
+the cases.
 
 A section holds printable UTF-8, and none of its lines ends in a space. Anything else is written
 with escapes in a section marked `-- in/a.xyz (escaped) --`, in its name as in its text:

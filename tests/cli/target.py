@@ -170,6 +170,7 @@ class Target:
             name: value for name, value in os.environb.items() if not name.startswith(b"VORQUIL_")
         }
         user = NOBODY if "posix-permissions" in required and os.getuid() == 0 else None
+        environment[b"CASES"] = os.fsencode(os.path.dirname(os.path.realpath(__file__)))
         # A program built to measure coverage leaves its profile outside of the case.
         if not environment.get(b"LLVM_PROFILE_FILE"):
             environment[b"LLVM_PROFILE_FILE"] = scratch + b"/profile"
