@@ -31,12 +31,15 @@ with escapes in a section marked `-- in/a.xyz (escaped) --`, in its name as in i
     \              at the end of a line: the line feed is left out
 """
 
+from difflib import unified_diff
+
 MARK = " (escaped)"
 MEANINGS = {
     **{f"x{byte:02x}": bytes([byte]) for byte in range(256)},
     **{"t": b"\t", "r": b"\r", "0": b"\0", "\\": b"\\", "\n": b""},
 }
 SPELLINGS = {meaning: spelling for spelling, meaning in MEANINGS.items()}
+NO_FILE = "(no such file)"
 ALONE = (b"requires", b"cmd", b"stdout", b"stderr", b"status")
 
 
@@ -145,3 +148,27 @@ def write_case(sections):
         lines.append(f"-- {label(name, is_escaped)} --")
         lines += escaped(data) if is_escaped else data.decode().split("\n")[:-1]
     return "\n".join(lines)
+
+
+def lines_of(contents, is_escaped):
+    if isinstance(contents, str):
+        return [contents]
+    return escaped(contents) if is_escaped else contents.decode().split("\n")[:-1]
+
+
+def diff(name, expected, found):
+    """The lines of a unified diff, each text as a section would spell it."""
+    is_escaped = not all(isinstance(one, str) or is_plain(one) for one in (expected, found))
+    lines = (lines_of(contents, is_escaped) for contents in (expected, found))
+    heading = label(name, is_escaped)
+    return unified_diff(*lines, f"expected {heading}", heading, lineterm="")
+
+
+def differences(expected, found):
+    """The lines that show how two outcomes differ."""
+    lines = []
+    for name in {**expected, **found}:
+        pair = expected.get(name, NO_FILE), found.get(name, NO_FILE)
+        if pair[0] != pair[1]:
+            lines += diff(name, *pair)
+    return lines

@@ -51,9 +51,10 @@ FEATURES = {
     "posix-messages": """
         echo atoms.1.q=1 >.vorq.result.kv
         vqvec atom --dsl 'r = :q' --values-out .vorq.result.kv/v 2>&1 | grep -q 'Not a directory'""",
-    # A limit on the size of files, as ulimit sets it.
+    # A limit on the size of files that doesn't end the program by its signal.
     "file-size-limit": """
-        (ulimit -f 0) && vqvec --help""",
+        echo atoms.1.q=1 >.vorq.result.kv
+        (ulimit -f 0; vqvec atom --dsl 'r = :q' >/dev/null 2>&1) || [ "$?" -lt 128 ]""",
     # Arguments of 2 MB in all.
     "long-arguments": """
         words=$(printf '%100000s' '')
@@ -63,9 +64,12 @@ FEATURES = {
     # The program is told the name by which it is started.
     "own-name": """
         ln -s "$(command -v vqvec)" name && ./name --help | grep -q ' ./name atom'""",
-    # Variables of the environment that are set and empty.
-    "empty-variables": """
-        VORQUIL_STRUCID='' sh -c '[ "${VORQUIL_STRUCID+set}" = set ]' && vqvec --help""",
+    # Links that lead only to themselves can't be looked at.
+    "link-loops": """
+        ln -s loop loop && vqvec atom --dsl 'r = first(run*:q)' 2>&1 | grep -q loop""",
+    "environment": """
+        echo atoms.1.q=1 >.vorq.result.kv
+        VORQUIL_TASKNAME=t vqvec atom --dsl 'r = :q' --snapshot-kv s.kv && grep -q =t s.kv""",
 }
 
 
@@ -226,18 +230,12 @@ class Target:
     def _form_of_paths(self):
         """How the program shows the path of a directory."""
         sections = {
-            b"cmd": b"pwd; vqvec atom --dsl 'r = :q --geom . --chg r.chg' --values-out ''",
+            b"cmd": b"vqvec atom --dsl 'r = :q --geom . --chg r.chg' --values-out ''",
             b"in/.vorq.result.kv": b"atoms.1.q=1\n",
         }
-        scratch = make_scratch()
-        directory = scratch + b"/dir"
-        try:
-            message = self._run(sections, scratch, directory, ())[b"stderr"]
-        finally:
-            remove(scratch)
-        for separator in b"/", b"\\":
-            path = re.escape(directory.replace(b"/", separator))
-            found = re.search(rb"in task directory (.*)" + path + rb"\n", message)
-            if found:
-                return found[1], separator
-        return b"", b"/"
+        message = self.run(sections)[b"stderr"]
+        found = re.search(rb"in task directory (.*)@DIR@\n", message)
+        if found:
+            return found[1], b"/"
+        found = re.search(rb"in task directory ([^\\\n]*)\\.*\\parent\\dir\n", message)
+        return (found[1], b"\\") if found else (b"", b"/")
