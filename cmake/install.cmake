@@ -33,6 +33,10 @@ endforeach()
 install(FILES ${completions}/vqvec-import.bash
   DESTINATION ${share}/bash-completion/completions RENAME vqvec-import)
 
+configure_file(packaging/modulefile.in packaging/modulefile @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/packaging/modulefile
+  DESTINATION ${share}/modulefiles/vqvec RENAME ${PROJECT_VERSION})
+
 install(FILES README.md CONTRIBUTING.md SECURITY.md CHANGELOG.md LICENSE CITATION.cff
   DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN man EXCLUDE)
