@@ -29,7 +29,7 @@ foreach(package ${CPACK_PACKAGE_FILES})
     set_installed_size(${files})
     execute_process(COMMAND dpkg-deb --root-owner-group --build ${files} ${package}
       OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  else()
+  elseif(package MATCHES "[.]tar[.]gz$")
     execute_process(COMMAND tar -xf ${package} -C ${files} COMMAND_ERROR_IS_FATAL ANY)
     file(GLOB top RELATIVE ${files} ${files}/*)
     execute_process(
