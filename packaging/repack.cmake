@@ -37,6 +37,12 @@ foreach(package ${CPACK_PACKAGE_FILES})
         --mtime=@$ENV{SOURCE_DATE_EPOCH} -C ${files} ${top}
       COMMAND gzip -9n
       OUTPUT_FILE ${package} COMMAND_ERROR_IS_FATAL ANY)
+  elseif(package MATCHES "[.]zip$")
+    execute_process(COMMAND unzip -q ${package} -d ${files} COMMAND_ERROR_IS_FATAL ANY)
+    file(REMOVE ${package})
+    file(GLOB_RECURSE entries RELATIVE ${files} ${files}/*)  # sorted
+    execute_process(COMMAND zip -q -9 -X ${package} ${entries}
+      WORKING_DIRECTORY ${files} COMMAND_ERROR_IS_FATAL ANY)
   endif()
   file(REMOVE_RECURSE ${files})
 endforeach()
