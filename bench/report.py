@@ -155,8 +155,7 @@ def growth_tables(growths):
             [f"{point[0]:,}", milliseconds(time), f"{each:.3g}", f"{each / middle:.2f}"]
             for point, time, each in zip(growth.points, times, per_unit)
         ]
-        size = growth.name if growth.name == f"{growth.unit}s" else f"{growth.name}, {growth.unit}s"
-        text += table([size, "time, ms", unit, "relative to the middle row"], rows) + "\n"
+        text += table([growth.name, "time, ms", unit, "relative to the middle row"], rows) + "\n"
     return text
 
 

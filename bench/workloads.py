@@ -177,19 +177,16 @@ def growths(size):
         Growth("atoms", "atom", tuple(
             (n, Data("pair", n, 1), f"{MEAN} --out {EXTXYZ}") for n in sizes(3, 6))),
         Growth("tasks", "task", tuple((n, Data("many", 50, n), WMEAN) for n in sizes(1, 5))),
-        Growth("statement, many references", "byte", tuple(
-            (n, tiny, long_statement(n)) for n in sizes(2, 5))),
-        Growth("statement, nested calls", "byte", tuple(
-            (n, tiny, nested_statement(n)) for n in sizes(2, 5))),
+        Growth("references", "reference", tuple(
+            (n, tiny, long_statement(n)) for n in sizes(1, 4))),
+        Growth("nested calls", "nested call", tuple(
+            (n, tiny, nested_statement(n)) for n in (10, 100, 1000))),  # more are not allowed
     ]  # fmt: skip
 
 
-def long_statement(size):
-    reference = "a:charge.resp"
-    count = size // len(reference + ", ")
-    return f"x = add({', '.join([reference] * count)})"
+def long_statement(references):
+    return f"x = add({', '.join(['a:charge.resp'] * references)})"
 
 
-def nested_statement(size):
-    depth = size // len("neg()")
-    return f"x = {'neg(' * depth}a:charge.resp{')' * depth}"
+def nested_statement(calls):
+    return f"x = {'neg(' * calls}a:charge.resp{')' * calls}"
