@@ -4,8 +4,8 @@
 //
 // JOBS has one job per line: a name, the file for its standard output and its command, separated by
 // tabs. Each round runs every job once, in that order; the OUTPUTs are removed before each run.
-// Prints one line per run: name, microseconds of processor time (user + system) and of wall time,
-// and peak memory in KiB.
+// Prints one line per run, with tabs: name, microseconds of processor time (user + system) and of
+// wall time, and peak memory in KiB.
 //
 // This program is kept small: a child shares its size until it becomes the job, and that size must
 // not appear as the peak memory of the job.
@@ -83,8 +83,8 @@ void run(Job& job) {
   if (status != 0) {
     throw std::runtime_error(job.name + " failed");
   }
-  std::cout << job.name << ' ' << microseconds(usage.ru_utime) + microseconds(usage.ru_stime) << ' '
-            << wall.count() << ' ' << usage.ru_maxrss << '\n';
+  std::cout << job.name << '\t' << microseconds(usage.ru_utime) + microseconds(usage.ru_stime)
+            << '\t' << wall.count() << '\t' << usage.ru_maxrss << '\n';
 }
 
 }  // namespace

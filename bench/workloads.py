@@ -5,7 +5,7 @@ import pathlib
 import shutil
 import subprocess
 
-PEERS = pathlib.Path(__file__).resolve().parent / "peers"
+SCRIPTS = pathlib.Path(__file__).resolve().parent / "peers"
 
 MEAN = "charge.mean = mean(a:charge.resp, b:charge.resp) --check same_atoms"
 WMEAN = "charge.mean = wmean(run*:charge.resp, weight) --check same_atoms"
@@ -14,6 +14,8 @@ VALUES = ".vorq.values.kv"
 EXTXYZ = "mean.extxyz"
 STDOUT = "stdout"
 OUTPUTS = (VALUES, EXTXYZ, STDOUT)
+
+PEERS = ("NumPy", "safe NumPy", "awk", "safe awk", "Miller")
 
 
 @dataclasses.dataclass(frozen=True)
@@ -36,9 +38,37 @@ class Workload:
     data: Data
     statement: str
     rounds: int
-    floor_aim: float  # at most this many times the processor time of the floor
-    peer_aim: float  # at least this many times faster than each peer
-    memory_aim: float = None  # at most this many times the peak memory of the floor
+    aims: dict  # by the quantities of bench/report.py
+
+
+@dataclasses.dataclass(frozen=True)
+class Fault:
+    """A change to a file of one task, at which a careful program stops."""
+
+    name: str
+    file: str
+    pattern: bytes
+    replacement: bytes
+
+
+def faults(workload):
+    """Those that matter to the workload: without a count of atoms, no value is missed."""
+    kind = workload.data.kind
+    results = VALUES if kind == "history" else ".vorq.result.kv"
+
+    def values_of(atom):
+        return rb"^(atoms[.]%d[.]charge[.]resp=).*\n" % atom
+
+    found = [Fault("text as a value", results, values_of(3), rb"\1abc\n")]
+    if kind != "history":
+        found += [
+            Fault("a missing value", results, values_of(2), b""),
+            Fault("a missing last value", results, values_of(workload.data.atoms), b""),
+            Fault("another symbol", "last_opt.xyz", rb"\A(.*\n.*\n)\w+", rb"\1Xe"),
+        ]
+    if kind == "many":
+        found.append(Fault("a missing weight", results, rb"^weight=.*\n", b""))
+    return found
 
 
 @dataclasses.dataclass(frozen=True)
@@ -56,24 +86,64 @@ def workloads(size, quick_rounds):
         "tiny": (50, 5, (7, 3)),
     }[size]
     rounds = 7 if quick_rounds else 9
+
+    def faster(times):
+        return {peer: times for peer in ("NumPy", "awk", "Miller")}
+
     return [
         Workload("small", "2 tasks of 3 atoms, shifted to a total, with an extended-XYZ file",
-                 Data("pair", 3, 1), f"{MEAN} --sum @a.charge --out {EXTXYZ}", 500, 1.3, 1),
+                 Data("pair", 3, 1), f"{MEAN} --sum @a.charge --out {EXTXYZ}", 500,
+                 {"time / floor": 1.17, "awk": 1}),
         Workload("big", f"2 tasks of {atoms:,} atoms, with an extended-XYZ file",
-                 Data("pair", atoms, 1), f"{MEAN} --out {EXTXYZ}", rounds, 1.25, 5, 1.3),
+                 Data("pair", atoms, 1), f"{MEAN} --out {EXTXYZ}", rounds,
+                 {"time / floor": 0.85, "memory / floor": 1.25, **faster(5)}),
         Workload("interleaved", "as `big`, but the files contain three properties of each atom",
-                 Data("pair", atoms, 3), f"{MEAN} --out {EXTXYZ}", rounds, 1.5, 5, 1.3),
+                 Data("pair", atoms, 3), f"{MEAN} --out {EXTXYZ}", rounds,
+                 {"time / floor": 0.95, "memory / floor": 1.25, **faster(5)}),
         Workload("many", f"weighted mean over {tasks:,} tasks of 50 atoms",
-                 Data("many", 50, tasks), WMEAN, rounds, 1.3, 4),
+                 Data("many", 50, tasks), WMEAN, rounds,
+                 {"time / floor": 1.4, "memory, MiB": 20, "NumPy": 3, "awk": 2, "Miller": 15}),
         Workload("history",
                  f"a values file with the results of {history[1]} runs on {history[0]:,} atoms",
                  Data("history", *history), "charge.half = scale(a:charge.resp, 0.5)",
-                 rounds, 1.5, 4),
+                 rounds, {"time / floor": 1.38, **faster(4)}),
     ]  # fmt: skip
 
 
 def program(executable, statement):
     return Job("vqvec", STDOUT, (str(executable), "atom", "--dsl", statement))
+
+
+def many_or_one_statement(executable, tasks):
+    """Two jobs with the same sum."""
+    loop = ('for task in ../run*; do '
+            '"$0" atom --dsl "charge.total = add($sum${task##*/}:charge.resp)"; '
+            'sum="self:charge.total, "; '
+            'done')  # fmt: skip
+    one = program(executable, "charge.total = add(run*:charge.resp)")
+    return (
+        Job(f"{tasks} statements, each adding a task", STDOUT,
+            ("sh", "-e", "-c", loop, str(executable))),
+        dataclasses.replace(one, name=f"one statement, adding {tasks} tasks"),
+    )  # fmt: skip
+
+
+def compact_history(work):
+    """Makes a task b with the last line of each key in the file of a."""
+    compact = "tac ../a/$0 | awk -F = '!seen[$1]++' | tac >../b/$0"
+    (work.parent / "b").mkdir(exist_ok=True)
+    subprocess.run(["sh", "-e", "-c", compact, VALUES], cwd=work, check=True)
+
+
+def long_or_compact_file(executable, history):
+    """Two jobs with the same result; for the second, see compact_history."""
+    about = f"{history.data.atoms:,} atoms from a values file of {history.data.number} runs"
+    long = program(executable, history.statement)
+    compact = program(executable, history.statement.replace("a:", "b:"))
+    return (
+        dataclasses.replace(long, name=about),
+        dataclasses.replace(compact, name=f"{about}, compacted"),
+    )
 
 
 def floor(executable, workload):
@@ -102,16 +172,20 @@ class Peers:
         shift = name == "small"
         jobs = []
         if self.python is not None:
-            jobs.append(Job("NumPy", STDOUT, (self.python, str(PEERS / "with_numpy.py"), name)))
+            numpy = (self.python, str(SCRIPTS / "with_numpy.py"), name)
+            jobs += [Job("NumPy", STDOUT, numpy), Job("safe NumPy", STDOUT, (*numpy, "safe"))]
         if self.has_awk:
-            awk = ["mawk", "-f", str(PEERS / f"{script}.awk")]
+            awk = ["-f", str(SCRIPTS / f"{script}.awk")]
             awk += ["-v", "shifts_to_total=1"] if shift else []
             awk += ["FS==", *kv] + (["FS= ", *xyz] if xyz else [])
-            jobs.append(Job("awk", STDOUT, with_globs(awk)))
+            safe = ["-f", str(SCRIPTS / "safe.awk")]
+            safe += ["-v", "needs_weight=1"] if script == "wmean" else []
+            jobs += [Job("awk", STDOUT, with_globs(["mawk", *awk])),
+                     Job("safe awk", STDOUT, with_globs(["mawk", *safe, *awk]))]  # fmt: skip
         if self.has_miller:
             miller = ["mlr", "--inidx", "--ifs", "=", "put", "-q"]
             miller += ["-s", "shifts_to_total=true"] if shift else []
-            miller += ["-f", str(PEERS / f"{script}.mlr"), *kv, *xyz]
+            miller += ["-f", str(SCRIPTS / f"{script}.mlr"), *kv, *xyz]
             jobs.append(Job("Miller", EXTXYZ if script == "mean" else STDOUT, with_globs(miller)))
         return jobs
 

@@ -20,10 +20,12 @@ FS == " " && FNR > 2 && file == 3 {
 }
 FS == " " && FNR > 2 && file == 4 && symbol[FNR - 2] != $1 {
   print "other atoms" > "/dev/stderr"
+  failed = 1
   exit 1
 }
 
 END {
+  if (failed) exit 1
   for (i = 1; i <= atoms; ++i) {
     mean[i] = sum[i] / 2
     now += mean[i]

@@ -15,11 +15,13 @@ FS == " " && FNR > 2 {
     ++atoms
   } else if (symbol[FNR] != $1) {
     print "other atoms" > "/dev/stderr"
+    failed = 1
     exit 1
   }
 }
 
 END {
+  if (failed) exit 1
   for (i = 1; i <= atoms; ++i) {
     printf "atoms.%d.charge.mean=%.15g\n", i, sum[i] / total > ".vorq.values.kv"
   }
