@@ -241,7 +241,7 @@ class Growth:
 
 
 def growths(size):
-    top = {"full": 0, "quick": 1}[size]  # how many powers of ten to leave out
+    top = {"full": 0, "quick": 1, "tiny": 3}[size]  # how many powers of ten to leave out
 
     def sizes(first, last):
         return [10**power for power in range(first, last - top + 1)]

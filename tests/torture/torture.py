@@ -109,7 +109,10 @@ def run_section(name, section, bench):
     passed = len(points) - len(faults)
     seconds = time.monotonic() - began
     print(f"{name:28} {len(points):6} tried  {passed:6} passed  {seconds:6.1f} s", flush=True)
-    return len(faults)
+    if not points and not skipped:
+        print(f"  FAULT {name} has nothing to try")
+        return 0, 1
+    return len(points), len(faults)
 
 
 SECTIONS = {
@@ -149,6 +152,10 @@ def main():
     if arguments.lay_out:
         tasks.lay_out(arguments.lay_out)
         return 0
+    chosen = arguments.only.split(",") if arguments.only else list(SECTIONS)
+    unknown = set(chosen) - set(SECTIONS)
+    if unknown:
+        parser.error(f"no section {', '.join(sorted(unknown))}; there are {', '.join(SECTIONS)}")
     enter_mount_namespace()
     multiprocessing.set_start_method("fork")
     scratch = tempfile.mkdtemp(prefix="vqvec-torture-")
@@ -164,12 +171,12 @@ def main():
             # Copies, so that a build during the run does not change the programs.
             programs[name] = shutil.copy(path, os.path.join(scratch, name))
         bench = Bench(programs, scratch, arguments.short)
-        chosen = arguments.only.split(",") if arguments.only else SECTIONS
-        faults = sum(run_section(name, SECTIONS[name], bench) for name in chosen)
+        counts = [run_section(name, SECTIONS[name], bench) for name in chosen]
     finally:
         shutil.rmtree(scratch, ignore_errors=True)
-    print("no faults" if faults == 0 else f"{faults} faults")
-    return 0 if faults == 0 else 1
+    tried, faults = map(sum, zip(*counts))
+    print(f"{tried or 'nothing'} tried, {faults or 'no'} faults")
+    return 0 if tried > 0 and faults == 0 else 1
 
 
 if __name__ == "__main__":
