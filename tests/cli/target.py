@@ -22,8 +22,8 @@ FEATURES = {
     # Names and arguments that are no UTF-8.
     "any-bytes": """
         byte=$(printf '\\377')
-        mkdir "$byte" && echo atoms.1.q=1 >"$byte/.vorq.result.kv"
-        vqvec atom --dsl "r = $byte:q" --values-out ''""",
+        mkdir "$byte" && echo "atoms.1.$byte=1" >"$byte/.vorq.result.kv"
+        vqvec atom --dsl "r = $byte:$byte" --values-out ''""",
     # Names that differ in letter case only.
     "letter-case": """
         mkdir a && echo atoms.1.q=1 >a/.vorq.result.kv
@@ -36,7 +36,8 @@ FEATURES = {
         vqvec atom --dsl 'r = b:q' --values-out ''""",
     # A case that requires them is run by an ordinary user.
     "posix-permissions": """
-        echo atoms.1.q=1 >.vorq.result.kv && chmod 0 .vorq.result.kv && [ ! -r .vorq.result.kv ]
+        echo atoms.1.q=1 >.vorq.result.kv && vqvec atom --dsl 'r = :q' --values-out ''
+        chmod 0 .vorq.result.kv && [ ! -r .vorq.result.kv ]
         status=0; vqvec atom --dsl 'r = :q' --values-out '' || status=$?; [ "$status" = 1 ]""",
     # Files such as /dev/full.
     "devices": """
