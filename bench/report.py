@@ -30,9 +30,9 @@ To repeat the measurement, run `script/bench` in the sources (a quarter of an ho
 
 NETWORK = """\
 On a network file system, a program waits for an answer whenever it asks for a name, opens a file,
-lists a directory or reads. This table is for {tasks:,} tasks of 50 atoms, with a delay for each
-such request. Calls are system calls on files; they and the requests are those that one more task
-causes.
+lists a directory or reads. This table has wall times for {tasks:,} tasks of 50 atoms, with a delay
+for each such request. Calls are system calls on files; they and the requests are those that one
+more task causes.
 
 {programs}
 {explanation}
@@ -287,12 +287,13 @@ def remedies_table(latency):
 
 def network(latency):
     waiting = latency.counts["vqvec"].waiting
-    names = [f"{count:.0f} `{name}`" for name, count in waiting.items() if round(count) > 0]
+    most_first = sorted(waiting, key=waiting.get, reverse=True)
+    names = [f"{round(waiting[name])} `{name}`" for name in most_first if round(waiting[name])]
     return NETWORK.format(
         tasks=latency.tasks,
         programs=latency_table(latency),
         explanation=wrapped(
-            f"In `vqvec`, {', '.join(names)} wait for the file system. It lists the directory of "
+            f"In `vqvec`, {', '.join(names[:-1])} and {names[-1]} wait. It lists the directory of "
             "each task, since any of several files may be there; the scripts know which. The safe "
             "scripts make the same requests. With such delays all programs mostly wait, so the "
             "number of requests decides."),
