@@ -51,7 +51,7 @@ FEATURES = {
     # The system's reasons for failures, in the words of POSIX systems.
     "posix-messages": """
         echo atoms.1.q=1 >.vorq.result.kv
-        vqvec atom --dsl 'r = :q' --values-out .vorq.result.kv/v/w 2>&1 | grep -q 'Not a directory'""",
+        vqvec atom --dsl 'r = :q' --values-out .vorq.result.kv/a/b 2>&1 | grep -q 'Not a dir'""",
     # A limit on the size of files that doesn't end the program by its signal.
     "file-size-limit": """
         echo atoms.1.q=1 >.vorq.result.kv
