@@ -83,13 +83,7 @@ function drawAtom({ name, value, radius }, [x, y]) {
     text(name, -0.05, 0.62), text(shortNumber(+value), 0.5, 0.46));
 }
 
-// From the surface of one atom to that of the other, so that it covers no label.
-function drawBond(one, other) {
-  const apart = minus(other.place, one.place), towards = times(apart, 1 / (norm(apart) || 1));
-  const [x1, y1] = add(one.place, times(towards, one.radius));
-  const [x2, y2] = minus(other.place, times(towards, other.radius));
-  return svg("line", { x1, y1, x2, y2 });
-}
+const drawBond = ({ place: [x1, y1] }, { place: [x2, y2] }) => svg("line", { x1, y1, x2, y2 });
 
 function draw(view) {
   molecule.axes = view;
@@ -98,9 +92,10 @@ function draw(view) {
     const [right, up, front] = axes.map((axis) => dot(axis, atom.position));
     atom.place = [right, -up, front];
   });
-  const shapes = [...atoms.map((atom) => [atom.place[2], drawAtom(atom, atom.place)]),
-    ...bonds.map((bond) => [(bond[0].place[2] + bond[1].place[2]) / 2, drawBond(...bond)])]
-    .sort((one, other) => one[0] - other[0]);  // from back to front
+  // From back to front, and each bond behind both of its atoms.
+  const shapes = [...bonds.map((bond) => [Math.min(...bond.map((atom) => atom.place[2])),
+    drawBond(...bond)]), ...atoms.map((atom) => [atom.place[2], drawAtom(atom, atom.place)])]
+    .sort((one, other) => one[0] - other[0]);
   byId("picture").replaceChildren(
     svg("g", { transform: `scale(${scale})` }, ...shapes.map(([, shape]) => shape)));
 }
