@@ -83,8 +83,8 @@ async function runProgram(words, directory) {
   const { FS, callMain } = await createVqvec({
     thisProgram: words[0],
     stdin: () => null,
-    stdout: (byte) => stdout.push(byte & 255),
-    stderr: (byte) => stderr.push(byte & 255),
+    stdout: (byte) => stdout.push(byte),
+    stderr: (byte) => stderr.push(byte),
   });
   writeTree(FS);
   FS.chdir(directory);

@@ -72,6 +72,13 @@ class Browser:
                    (("keyDown", keys), ("keyUp", keys[::-1])) for key in order]
         self.call("/actions", {"actions": [{"type": "key", "id": "keys", "actions": actions}]})
 
+    def drag(self, selector, right, down):
+        """Moves the pressed mouse from the middle of an element."""
+        place = {"origin": {ELEMENT: self.find(selector)[0]}, "type": "pointerMove", "duration": 0}
+        self.call("/actions", {"actions": [{"type": "pointer", "id": "mouse", "actions": [
+            {**place, "x": 0, "y": 0}, {"type": "pointerDown", "button": 0},
+            {**place, "x": right, "y": down}, {"type": "pointerUp", "button": 0}]}]})
+
     def complaints(self):
         """The messages of the console since the last call."""
         return [entry["message"] for entry in self.call("/se/log", {"type": "browser"})]
