@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
-#include <limits>
 #include <string_view>
 
 #include "dsl/eight_digits.hpp"
@@ -18,19 +17,8 @@ namespace {
 // The notations of printf.
 enum class Notation : char { fixed = 'f', general = 'g' };
 
-// An invalid operation, such as inf - inf, gives a NaN whose sign depends on the processor. Here
-// its sign is always the one that x86 gives it.
-std::string_view nan_text(double value) {
-  const volatile double infinity = std::numeric_limits<double>::infinity();
-  return std::signbit(value) == std::signbit(infinity - infinity) ? "-nan" : "nan";
-}
-
 // For any value. Some libraries have no to_chars for doubles, and printf is several times slower.
 void append_with_library(std::string& text, double value, Notation notation, int precision) {
-  if (std::isnan(value)) {
-    text += nan_text(value);
-    return;
-  }
   constexpr std::size_t longest_number = 336;  // a sign, 309 digits, a point, some more digits
   char digits[longest_number];
 #ifdef __cpp_lib_to_chars

@@ -17,6 +17,9 @@ void ensure_parent_directory(const std::string& path) {
   }
   std::error_code error;
   std::filesystem::create_directories(parent, error);
+  if (error == std::errc::file_exists) {  // coverage-exclude: what libc++ says of a file there
+    error = std::make_error_code(std::errc::not_a_directory);
+  }
   if (error) {
     throw std::runtime_error("could not create parent directory for '" + path +
                              "': " + error.message());
