@@ -46,6 +46,10 @@ constexpr bool has_wide_integers = false;
 using Wide = std::uint64_t;  // not used
 #endif
 
+// Values from here on are left to the library.
+constexpr double value15_limit = has_wide_integers ? 1e14 : 0.0;
+constexpr double fixed10_limit = has_wide_integers ? 1e9 : 0.0;  // smaller ones fit into 64 bits
+
 constexpr std::uint64_t powers_of_ten[] = {
     1ULL,
     10ULL,
@@ -137,10 +141,8 @@ void append_scaled(std::string& text, bool is_negative, std::uint64_t scaled,
 void append_value15(std::string& text, double value) {
   constexpr int digits = 15;
   constexpr double smallest = 1e-4;  // smaller values are printed in scientific notation
-  constexpr double limit = 1e14;
   const double magnitude = std::fabs(value);
-  const bool is_ordinary = magnitude >= smallest && magnitude < limit;
-  if (!has_wide_integers || !is_ordinary) {
+  if (!(magnitude >= smallest && magnitude < value15_limit)) {
     append_with_library(text, value, Notation::general, digits);
     return;
   }
@@ -161,8 +163,7 @@ void append_value15(std::string& text, double value) {
 
 void append_fixed10(std::string& text, double value) {
   constexpr int decimals = 10;
-  constexpr double limit = 1e9;  // smaller values fit into 64 bits when scaled
-  if (has_wide_integers && std::fabs(value) < limit) {
+  if (std::fabs(value) < fixed10_limit) {
     append_scaled(text, std::signbit(value), scale_and_round(value, decimals), decimals);
   } else {
     append_with_library(text, value, Notation::fixed, decimals);

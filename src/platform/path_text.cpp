@@ -23,7 +23,11 @@ std::string to_text(const fs::path& path) {
 
 bool has_root(std::string_view path_text) {
   constexpr bool has_drives = fs::path::preferred_separator == '\\';
-  return path_text.starts_with('/') || (has_drives && to_path(path_text).has_root_path());
+  if constexpr (has_drives) {
+    return to_path(path_text).has_root_path();
+  } else {
+    return path_text.starts_with('/');
+  }
 }
 
 }  // namespace vqvec
