@@ -3,11 +3,8 @@
 #include <algorithm>
 
 namespace vqvec {
-namespace {
 
 namespace fs = std::filesystem;
-
-}  // namespace
 
 fs::path to_path(std::string_view text) {
   return std::u8string(text.begin(), text.end());
