@@ -4,8 +4,10 @@
 #ifndef VQVEC_DSL_EIGHT_DIGITS_HPP
 #define VQVEC_DSL_EIGHT_DIGITS_HPP
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace vqvec::eight_digits {
 
@@ -14,11 +16,16 @@ constexpr std::uint64_t limit = 100'000'000;  // one more than eight digits can 
 
 // NOLINTBEGIN(readability-magic-numbers): only positions and powers of ten.
 
-// Eight characters in memory. Compilers turn each loop into one instruction.
+// Eight characters in memory. GCC 12 makes one instruction of the second loop, but not of the first
+// where it is inlined twice.
 inline std::uint64_t load(const char* text) {
   std::uint64_t bytes = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    bytes |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(&bytes, text, sizeof bytes);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) {
+      bytes |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
+    }
   }
   return bytes;
 }
@@ -28,12 +35,17 @@ inline void store(std::uint64_t bytes, char* text) {
   }
 }
 
-// True if all are digits: the upper half of '0' to '9' is 3, and still 3 when 6 is added.
-constexpr bool are_digits(std::uint64_t bytes) {
+// How many of the first characters are digits: the upper half of '0' to '9' is 3, and still 3 when
+// 6 is added. What the sum carries from a character that is none only reaches later ones.
+constexpr std::size_t leading(std::uint64_t bytes) {
   constexpr std::uint64_t upper_halves = 0xF0F0F0F0F0F0F0F0;
   constexpr std::uint64_t sixes = 0x0606060606060606;
   constexpr std::uint64_t threes = 0x3333333333333333;
-  return ((bytes & upper_halves) | (((bytes + sixes) & upper_halves) >> 4)) == threes;
+  const std::uint64_t halves = (bytes & upper_halves) | (((bytes + sixes) & upper_halves) >> 4);
+  return static_cast<std::size_t>(std::countr_zero(halves ^ threes)) / 8;
+}
+constexpr bool are_digits(std::uint64_t bytes) {
+  return leading(bytes) == count;
 }
 
 // The value of eight digits: neighbours are joined into pairs, pairs into fours, fours into eight.

@@ -3,9 +3,9 @@
 #ifndef VQVEC_TASKSTORE_EVAL_CONTEXT_HPP
 #define VQVEC_TASKSTORE_EVAL_CONTEXT_HPP
 
-#include <map>
-#include <set>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "dsl/text_pool.hpp"
@@ -33,9 +33,9 @@ class EvalContext {
   friend const TaskDir& resolve_task(EvalContext& context, std::string_view text);
 
   Positions positions_;                        // in the geometries of all tasks
-  std::map<std::string_view, TaskDir> tasks_;  // by trimmed task text
+  std::unordered_map<std::string_view, TaskDir> tasks_;  // by trimmed task text
   std::vector<std::string_view> used_tasks_;
-  std::set<std::string_view> is_used_;
+  std::unordered_set<std::string_view> is_used_;
 };
 
 // The task of the trimmed text, read on first use and never again. The reference is valid as long

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dsl/eight_digits.hpp"
 #include "dsl/lexical.hpp"
 #include "dsl/number.hpp"
 
@@ -37,25 +38,30 @@ std::size_t number_length(std::string_view text) {
   return text.size();
 }
 
+// Where the digits that begin at the index end.
+std::size_t end_of_digits(std::string_view text, std::size_t i) {
+  for (; i + eight_digits::count <= text.size(); i += eight_digits::count) {
+    const std::size_t digits = eight_digits::leading(eight_digits::load(text.data() + i));
+    if (digits < eight_digits::count) {
+      return i + digits;
+    }
+  }
+  while (i < text.size() && is_digit(text[i])) {
+    ++i;
+  }
+  return i;
+}
+
 // The length of an ordinary decimal number at the front of the text; 0 for any other number, such
 // as one that is long enough to be out of range.
 std::size_t plain_length(std::string_view text) {
   constexpr std::size_t longest = 300;
-  const std::size_t end = std::min(text.size(), longest);
   const std::size_t first = text.starts_with('-') ? 1 : 0;
-  std::size_t i = first;
-  while (i < end && is_digit(text[i])) {
-    ++i;
-  }
-  std::size_t digits = i - first;
-  if (i < end && text[i] == '.') {
-    const std::size_t decimals = ++i;
-    while (i < end && is_digit(text[i])) {
-      ++i;
-    }
-    digits += i - decimals;
-  }
-  return digits > 0 && i < longest ? i : 0;
+  const std::size_t whole_end = end_of_digits(text, first);
+  const bool has_point = whole_end < text.size() && text[whole_end] == '.';
+  const std::size_t end = has_point ? end_of_digits(text, whole_end + 1) : whole_end;
+  const bool has_digits = end > first + (has_point ? 1 : 0);
+  return has_digits && end < longest ? end : 0;
 }
 
 }  // namespace
