@@ -35,17 +35,22 @@ inline void store(std::uint64_t bytes, char* text) {
   }
 }
 
-// How many of the first characters are digits: the upper half of '0' to '9' is 3, and still 3 when
-// 6 is added. What the sum carries from a character that is none only reaches later ones.
-constexpr std::size_t leading(std::uint64_t bytes) {
-  constexpr std::uint64_t upper_halves = 0xF0F0F0F0F0F0F0F0;
-  constexpr std::uint64_t sixes = 0x0606060606060606;
-  constexpr std::uint64_t threes = 0x3333333333333333;
-  const std::uint64_t halves = (bytes & upper_halves) | (((bytes + sixes) & upper_halves) >> 4);
-  return static_cast<std::size_t>(std::countr_zero(halves ^ threes)) / 8;
+// Bits that are set in the bytes of characters that are no digits. Taking '0' away leaves 0 to 9 of
+// a digit, to which 0x76 can be added without setting the highest bit. What the sum carries from
+// another character reaches later ones only, so the first of these bits is right.
+constexpr std::uint64_t marks_of_others(std::uint64_t bytes) {
+  const std::uint64_t values = bytes ^ 0x3030303030303030;
+  return (values | (values + 0x7676767676767676)) & 0x8080808080808080;
 }
+
+// True if all characters are digits.
 constexpr bool are_digits(std::uint64_t bytes) {
-  return leading(bytes) == count;
+  return marks_of_others(bytes) == 0;
+}
+
+// How many of the first characters are digits.
+constexpr std::size_t leading(std::uint64_t bytes) {
+  return static_cast<std::size_t>(std::countr_zero(marks_of_others(bytes))) / 8;
 }
 
 // The value of eight digits: neighbours are joined into pairs, pairs into fours, fours into eight.

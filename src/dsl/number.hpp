@@ -3,7 +3,6 @@
 #ifndef VQVEC_DSL_NUMBER_HPP
 #define VQVEC_DSL_NUMBER_HPP
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -22,15 +21,6 @@ double parse_finite_number(std::string_view text, std::string_view label);
 
 // This failure alone, for callers that build the label only when it is needed.
 [[noreturn]] void throw_not_finite(std::string_view text, std::string_view label);
-
-// An ordinary number at the front of the text: an optional '-', digits, and optionally a point and
-// more digits. Nothing when it has too many digits to be read with a single rounding. The caller
-// checks what follows.
-struct PlainDecimal {
-  double value;
-  std::size_t length;  // of its text
-};
-std::optional<PlainDecimal> read_plain_decimal(std::string_view text);
 
 // The unsigned decimal number at the front of the text, after optional white space and a sign.
 // Anything after the digits is ignored, and "-1" is 2^64 - 1, as with stoull. Nothing when there

@@ -5,6 +5,7 @@
 #include "dsl/eight_digits.hpp"
 #include "dsl/lexical.hpp"
 #include "dsl/number.hpp"
+#include "dsl/plain_decimal.hpp"
 
 namespace vqvec {
 namespace {
@@ -77,10 +78,12 @@ std::string_view FieldReader::read_word() {
 std::optional<double> FieldReader::read_number() {
   skip_space();
   // Most numbers are plain and end at white space.
-  if (const auto plain = read_plain_decimal(rest_);
-      plain && (plain->length == rest_.size() || is_space(rest_[plain->length]))) {
-    rest_.remove_prefix(plain->length);
-    return plain->value;
+  std::string_view rest = rest_;
+  if (const auto plain = take_plain_decimal(rest); plain && (rest.empty() || is_space(rest[0]))) {
+    if (const auto value = to_double(*plain)) {
+      rest_ = rest;
+      return value;
+    }
   }
   const std::string_view number = rest_.substr(0, number_length(rest_));
   rest_.remove_prefix(number.size());

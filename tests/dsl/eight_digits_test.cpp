@@ -64,6 +64,19 @@ TEST(EightDigits, AnyOtherCharacterInAnyPlaceIsNoticed) {
   }
 }
 
+TEST(EightDigits, TheDigitsBeforeTheFirstOtherCharacterAreCounted) {
+  for (std::size_t place = 0; place < count; ++place) {
+    for (const char other : {'\0', ' ', '-', '.', '/', ':', 'e', '\x80', '\xB9', '\xFF'}) {
+      std::string text = "90909090";
+      text[place] = other;
+      EXPECT_EQ(leading(load(text.data())), place) << text;
+      text.replace(place, count - place, count - place, other);
+      EXPECT_EQ(leading(load(text.data())), place) << text;
+    }
+  }
+  EXPECT_EQ(leading(load("12345678")), count);
+}
+
 TEST(EightDigits, SeveralOtherCharactersAreNoticed) {
   for (const std::string text : {"\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", "::::::::", "////////",
                                  "\xFA/\xFA/\xFA/\xFA/", "0\xFF:000000"}) {
