@@ -101,13 +101,12 @@ void report(const DslStatement& statement, std::size_t atom_count) {
 
 void run_statement(const AtomCommandOptions& options) {
   const DslStatement statement = parse_dsl_statement(options.dsl);
-  const bool writes_geometry = !statement.out_path.empty() || !statement.chg_path.empty();
-  EvalContext context(writes_geometry ? Positions::kept : Positions::checked);
+  EvalContext context(needs_of(statement));
   const AtomVector result = evaluate_statement(statement, context);
   run_checks(statement, result, context);
   context.drop_values();  // makes room for the text of the files
   write_kv_outputs(options, statement.target, result);
-  if (writes_geometry) {
+  if (statement.writes_geometry()) {
     write_geometry_outputs(statement, result, context);
   }
   report(statement, result.size());

@@ -130,4 +130,13 @@ DslStatement parse_dsl_statement(std::string_view text) {
   return statement;
 }
 
+// A name stands in its expression as it is, but for backslashes between quotes.
+bool may_name(const DslStatement& statement, std::string_view property) {
+  const auto may_stand_in = [property](std::string_view text) {
+    return text.find(property) != std::string_view::npos ||
+           text.find('\\') != std::string_view::npos;
+  };
+  return may_stand_in(statement.expression) || may_stand_in(statement.sum_text);
+}
+
 }  // namespace vqvec

@@ -17,11 +17,16 @@ struct DslStatement {
   std::string chg_path;             // charge file; empty: none
   std::string format = "extxyz";    // lower-cased; only looked at when there is an out_path
   std::string geom_path;  // task text (not a path) of the geometry; empty: first task used
+
+  bool writes_geometry() const { return !out_path.empty() || !chg_path.empty(); }
 };
 
 // The text is the statement as the user typed it. Each kind of error has its own message; the
 // target is checked before anything to the right of the '='.
 DslStatement parse_dsl_statement(std::string_view text);
+
+// False if the statement cannot ask for this property, whatever its tasks are called.
+bool may_name(const DslStatement& statement, std::string_view property);
 
 }  // namespace vqvec
 

@@ -10,18 +10,16 @@
 namespace vqvec {
 namespace {
 
-// The values before the first gap.
-AtomVector read_column(const AtomColumn& column, std::string_view task_text,
+AtomVector read_values(const ValueTexts& values, std::string_view task_text,
                        std::string_view property) {
-  AtomVector vector;
-  vector.reserve(column.leading_size());
-  while (const auto text = column.find(vector.size() + 1)) {
-    const std::optional<double> value = read_finite_number(*text);
+  AtomVector vector(values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const std::optional<double> value = values.number(i);
     if (!value) {
-      throw_not_finite(*text, std::string(task_text) + ":" + std::string(property) + " atom " +
-                                  std::to_string(vector.size() + 1));
+      throw_not_finite(values.text(i), std::string(task_text) + ":" + std::string(property) +
+                                           " atom " + std::to_string(i + 1));
     }
-    vector.push_back(*value);
+    vector[i] = *value;
   }
   return vector;
 }
@@ -33,7 +31,8 @@ AtomVector load_atom_vector(EvalContext& context, std::string_view task_text,
   const TaskDir& task = resolve_task(context, task_text);
   context.add_used_task(task_text);
   const AtomColumn* const column = task.kv.find_column(property);
-  AtomVector vector = column == nullptr ? AtomVector() : read_column(*column, task_text, property);
+  AtomVector vector =
+      column == nullptr ? AtomVector() : read_values(column->leading(), task_text, property);
   if (vector.empty()) {
     throw std::runtime_error("task '" + std::string(task_text) +
                              "' does not contain atom vector '" + std::string(property) + "'");

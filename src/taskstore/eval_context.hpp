@@ -6,18 +6,34 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
+#include "dsl/statement.hpp"
 #include "dsl/text_pool.hpp"
 #include "taskstore/task_dir.hpp"
 
 namespace vqvec {
 
+// Whose positions a run may write.
+enum class PositionsOf { all_tasks, first_used_task, no_task };
+
+// What a run can ask of its tasks. What it cannot ask for is read, but not kept.
+struct Needs {
+  PositionsOf positions = PositionsOf::all_tasks;
+  PropertyFilter property = nullptr;  // null: all
+};
+
+// The statement must outlive the result.
+Needs needs_of(const DslStatement& statement);
+
 // Task texts are kept as views: they come from the statement, which outlives the context, or from
 // `texts`.
 class EvalContext {
  public:
-  explicit EvalContext(Positions positions = Positions::kept) : positions_(positions) {}
+  explicit EvalContext(Needs needs = {}) : needs_(std::move(needs)) {}
+  EvalContext(const EvalContext&) = delete;  // the tasks refer to their context
+  EvalContext& operator=(const EvalContext&) = delete;
 
   // The tasks from which vectors were loaded, in order of first use, without duplicates.
   const std::vector<std::string_view>& used_tasks() const { return used_tasks_; }
@@ -32,8 +48,11 @@ class EvalContext {
  private:
   friend const TaskDir& resolve_task(EvalContext& context, std::string_view text);
 
-  Positions positions_;                        // in the geometries of all tasks
+  Positions positions_of_next_task() const;
+
+  Needs needs_;                                          // never moved: the tasks refer to it
   std::unordered_map<std::string_view, TaskDir> tasks_;  // by trimmed task text
+  const TaskDir* latest_task_ = nullptr;                 // the one read last
   std::vector<std::string_view> used_tasks_;
   std::unordered_set<std::string_view> is_used_;
 };

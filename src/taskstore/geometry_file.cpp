@@ -66,17 +66,17 @@ GeomAtom Geometry::operator[](std::size_t index) const {
 }
 
 std::string_view Geometry::symbol(std::size_t index) const {
-  const Symbol& symbol = symbols_[index];
+  const Symbol& symbol = symbols_->texts[index];
   if (symbol.size <= longest_in_place) {
     return {reinterpret_cast<const char*>(symbol.bytes.data()), symbol.size};
   }
   std::uint32_t place = 0;
   std::memcpy(&place, symbol.bytes.data(), sizeof place);
-  return long_symbols_[place];
+  return symbols_->long_texts[place];
 }
 
 void Geometry::reserve(std::size_t count, Positions positions) {
-  symbols_.reserve(count);
+  own_symbols().texts.reserve(count);
   positions_.reserve(positions == Positions::kept ? count : 0);
 }
 
@@ -85,22 +85,31 @@ void Geometry::push_back(const GeomAtom& atom) {
   positions_.push_back({atom.x, atom.y, atom.z});
 }
 
-void Geometry::push_back_symbol(std::string_view symbol) {
-  symbols_.push_back(make_symbol(symbol));
-}
-
-Geometry::Symbol Geometry::make_symbol(std::string_view text) {
-  Symbol symbol{};
+void Geometry::push_back_symbol(std::string_view text) {
+  Symbols& symbols = own_symbols();
+  Symbol& symbol = symbols.texts.emplace_back();
   if (text.size() <= longest_in_place) {
     std::copy(text.begin(), text.end(), symbol.bytes.begin());
     symbol.size = static_cast<unsigned char>(text.size());
-    return symbol;
+    return;
   }
-  const auto place = static_cast<std::uint32_t>(long_symbols_.size());
-  long_symbols_.emplace_back(text);
+  const auto place = static_cast<std::uint32_t>(symbols.long_texts.size());
+  symbols.long_texts.emplace_back(text);
   std::memcpy(symbol.bytes.data(), &place, sizeof place);
   symbol.size = longest_in_place + 1;
-  return symbol;
+}
+
+Geometry::Symbols& Geometry::own_symbols() {
+  if (symbols_.use_count() > 1) {
+    symbols_ = std::make_shared<Symbols>(*symbols_);
+  }
+  return *symbols_;
+}
+
+void Geometry::share_symbols(const Geometry& other) {
+  if (*symbols_ == *other.symbols_) {
+    symbols_ = other.symbols_;
+  }
 }
 
 Geometry read_xyz_geometry(const std::string& path, Positions positions) {

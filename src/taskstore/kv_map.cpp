@@ -33,27 +33,28 @@ void AtomColumn::add(std::uint64_t atom, std::string_view value, TextArena& aren
     beyond_gap_[atom].assign(value, arena);
     return;
   }
-  leading_.emplace_back().assign(value, arena);
+  leading_.push_back(value, arena);
   if (!beyond_gap_.empty()) {
-    close_gap();
+    close_gap(arena);
   }
 }
 
 // Moves the values that no longer lie beyond a gap.
-void AtomColumn::close_gap() {
+void AtomColumn::close_gap(TextArena& arena) {
   auto next = beyond_gap_.begin();
   while (next != beyond_gap_.end() && next->first == leading_.size() + 1) {
-    leading_.push_back(next->second);
+    leading_.push_back(next->second.text(), arena);
     next = beyond_gap_.erase(next);
   }
 }
 
-std::optional<std::string_view> AtomColumn::find(std::uint64_t atom) const {
+std::optional<std::string> AtomColumn::find(std::uint64_t atom) const {
   if (atom - 1 < leading_.size()) {
-    return leading_[static_cast<std::size_t>(atom) - 1].text();
+    return leading_.text(static_cast<std::size_t>(atom) - 1);
   }
   const auto found = beyond_gap_.find(atom);
-  return found == beyond_gap_.end() ? std::nullopt : std::optional(found->second.text());
+  return found == beyond_gap_.end() ? std::nullopt
+                                    : std::optional(std::string(found->second.text()));
 }
 
 void ExpectedAtomKey::expect_after(const AtomKey& key) {
@@ -88,7 +89,7 @@ void KvMap::assign(std::string_view key, std::string_view value) {
     const std::size_t guess = columns_[latest_].next;
     Column& column = columns_[guess];
     if (key == column.expected_key.text()) {
-      column.values.assign(column.expected_key.atom(), value, texts_);
+      assign_value(column, column.expected_key.atom(), value);
       column.expected_key.advance();
       latest_ = guess;
       return;
@@ -107,15 +108,21 @@ void KvMap::assign_atom(const AtomKey& key, std::string_view value) {
     columns_[latest_].next = index;
   }
   latest_ = index;
-  columns_[index].values.assign(key.atom, value, texts_);
+  assign_value(columns_[index], key.atom, value);
   columns_[index].expected_key.expect_after(key);
+}
+
+inline void KvMap::assign_value(Column& column, std::uint64_t atom, std::string_view value) {
+  if (column.is_kept) {
+    column.values.assign(atom, value, texts_);
+  }
 }
 
 std::size_t KvMap::find_or_add_column(std::string_view property) {
   auto found = column_index_.find(property);
   if (found == column_index_.end()) {
     found = column_index_.emplace(property, columns_.size()).first;
-    columns_.emplace_back();
+    columns_.emplace_back().is_kept = keeps_ == nullptr || (*keeps_)(property);
   }
   return found->second;
 }
@@ -129,13 +136,13 @@ void KvMap::assign_scalar(std::string_view key, std::string_view value) {
   }
 }
 
-std::optional<std::string_view> KvMap::find(std::string_view key) const {
+std::optional<std::string> KvMap::find(std::string_view key) const {
   if (const std::optional<AtomKey> atom_key = parse_atom_key(key)) {
     const AtomColumn* const column = find_column(atom_key->property);
     return column == nullptr ? std::nullopt : column->find(atom_key->atom);
   }
   const auto found = scalars_.find(key);
-  return found == scalars_.end() ? std::nullopt : std::optional<std::string_view>(found->second);
+  return found == scalars_.end() ? std::nullopt : std::optional(found->second);
 }
 
 const AtomColumn* KvMap::find_column(std::string_view property) const {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "taskstore/text_arena.hpp"
+#include "taskstore/value_texts.hpp"
 
 namespace vqvec {
 
@@ -27,6 +28,9 @@ struct AtomKey {
 // Nothing for a key of any other form.
 std::optional<AtomKey> parse_atom_key(std::string_view key);
 
+// True for a property whose values are kept. A map without such a rule keeps all.
+using PropertyFilter = std::function<bool(std::string_view property)>;
+
 // The values of one property, by atom. Any 64-bit number from 1 is accepted, in any order; files
 // usually list the atoms as 1, 2, 3, ...
 class AtomColumn {
@@ -35,25 +39,25 @@ class AtomColumn {
   // must be the same in every call, and outlive the column.
   void assign(std::uint64_t atom, std::string_view value, TextArena& arena) {
     if (atom - 1 < leading_.size()) {
-      leading_[static_cast<std::size_t>(atom) - 1].assign(value, arena);
+      leading_.replace(static_cast<std::size_t>(atom) - 1, value, arena);
     } else {
       add(atom, value, arena);
     }
   }
 
-  // Nothing when the atom has no value. The view is valid until the next assignment.
-  std::optional<std::string_view> find(std::uint64_t atom) const;
+  // Nothing when the atom has no value.
+  std::optional<std::string> find(std::uint64_t atom) const;
 
-  // The number of values before the first gap: those of atoms 1, 2, 3, ...
-  std::size_t leading_size() const { return leading_.size(); }
+  // The values before the first gap: those of atoms 1, 2, 3, ...
+  const ValueTexts& leading() const { return leading_; }
 
  private:
   friend class KvPairs;
 
   void add(std::uint64_t atom, std::string_view value, TextArena& arena);
-  void close_gap();
+  void close_gap(TextArena& arena);
 
-  std::vector<ValueText> leading_;
+  ValueTexts leading_;
   std::map<std::uint64_t, ValueText> beyond_gap_;
 };
 
@@ -80,11 +84,17 @@ class ExpectedAtomKey {
 
 class KvMap {
  public:
+  KvMap() = default;
+
+  // Keeps no values of other properties, as if their keys were not assigned. The filter must
+  // outlive the map.
+  explicit KvMap(const PropertyFilter& keeps) : keeps_(keeps ? &keeps : nullptr) {}
+
   // A later value of the same key replaces the earlier one.
   void assign(std::string_view key, std::string_view value);
 
-  // Nothing when the key is not there. The view is valid until the next assignment.
-  std::optional<std::string_view> find(std::string_view key) const;
+  // Nothing when the key is not there.
+  std::optional<std::string> find(std::string_view key) const;
 
   // The column of the keys `atoms.N.<property>`; null when there is no such key.
   const AtomColumn* find_column(std::string_view property) const;
@@ -93,15 +103,18 @@ class KvMap {
   friend class KvPairs;  // lists all pairs in the order of their keys, for the tests
 
   struct Column {
-    AtomColumn values;
+    AtomColumn values;  // none, unless they are kept
     ExpectedAtomKey expected_key;
     std::size_t next = 0;  // the column that was assigned to after this one the last time
+    bool is_kept = true;
   };
 
   void assign_atom(const AtomKey& key, std::string_view value);
+  void assign_value(Column& column, std::uint64_t atom, std::string_view value);
   void assign_scalar(std::string_view key, std::string_view value);
   std::size_t find_or_add_column(std::string_view property);
 
+  const PropertyFilter* keeps_ = nullptr;
   TextArena texts_;
   std::map<std::string, std::string, std::less<>> scalars_;       // keys of any other form
   std::vector<Column> columns_;                                   // in order of appearance

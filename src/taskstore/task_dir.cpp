@@ -160,11 +160,12 @@ std::string TaskDir::dir() const {
   return is_working_directory_name(name) ? base : join(base, name);
 }
 
-TaskDir read_task_dir(std::string_view name, Positions positions) {
+TaskDir read_task_dir(std::string_view name, Positions positions, const PropertyFilter& keeps) {
   Place place = find_place(name);
   TaskDir task;
   task.name = name;
   task.base = std::move(place.base);
+  task.kv = KvMap(keeps);
   for (const TaskFile& file : place.files) {
     if (file.rank < preferred_geometry) {
       merge_kv_file(task.kv, file.path);

@@ -25,7 +25,7 @@ struct TaskDir {
 // Finds and reads the task of a trimmed task text and keeps a view of the text. A name found
 // nowhere gives a task without data: only the consumer of the data can say what is missing. Fails
 // only if the file system fails while a directory is being listed.
-TaskDir read_task_dir(std::string_view name, Positions positions = Positions::kept);
+TaskDir read_task_dir(std::string_view name, Positions positions, const PropertyFilter& keeps);
 
 }  // namespace vqvec
 

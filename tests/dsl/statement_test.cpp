@@ -326,5 +326,42 @@ TEST_P(BadStatement, Fails) {
 INSTANTIATE_TEST_SUITE_P(Texts, BadStatement, testing::ValuesIn(failure_cases),
                          [](const auto& one) { return std::string(one.param.name); });
 
+// What a statement may name
+
+struct NamedCase {
+  const char* name;
+  std::string statement;
+  std::string property;
+  bool may_be_named;
+};
+const std::vector<NamedCase> named_cases = {
+    {"Reference", "q = a:charge", "charge", true},
+    {"WithAPrefix", "q = a:atoms[].charge", "charge", true},
+    {"SecondReference", "q = mean(a:p, b:charge)", "charge", true},
+    {"InQuotes", "q = mean('a:charge', \"b:p\")", "charge", true},
+    {"KeyOfAScalar", "q = scale(a:p, @a.atoms.3.charge)", "charge", true},
+    {"KeyOfAWeight", "q = wmean(a*:p, atoms.3.charge)", "charge", true},
+    {"InTheSum", "q = a:p --sum @a.atoms.3.charge", "charge", true},
+    {"InTheSumInPieces", "q = a:p --sum '@a.atoms.3.ch'arge", "charge", true},
+    {"WithoutItsBackslashes", "q = mean(\"a:ch\\arge\")", "charge", true},
+    {"SumWithoutItsBackslashes", "q = a:p --sum 'sum(\"a:ch\\arge\")'", "charge", true},
+    {"PartOfAName", "q = a:charge", "char", true},
+    {"EmptyProperty", "q = a:charge", "", true},
+    {"OtherProperty", "q = a:charge", "spin", false},
+    {"LongerName", "q = a:charge", "charge.resp", false},
+    {"OtherCase", "q = a:charge", "Charge", false},
+    {"OnlyTheTarget", "charge = a:p", "charge", false},
+    {"OnlyAFile", "q = a:p --out charge.xyz --chg charge.chg --geom charge", "charge", false},
+    {"AcrossTheSum", "q = a:char --sum ge", "charge", false},
+};
+class NamedProperty : public testing::TestWithParam<NamedCase> {};
+
+TEST_P(NamedProperty, StandsInTheExpressionOrTheSum) {
+  EXPECT_EQ(may_name(parse_dsl_statement(GetParam().statement), GetParam().property),
+            GetParam().may_be_named);
+}
+INSTANTIATE_TEST_SUITE_P(Statements, NamedProperty, testing::ValuesIn(named_cases),
+                         [](const auto& one) { return std::string(one.param.name); });
+
 }  // namespace
 }  // namespace vqvec

@@ -197,7 +197,7 @@ std::string run_program(const Tasks& tasks, const std::string& text) {
   const std::string chg_path = tasks.output_path("out.chg");
   statement.out_path = statement.out_path.empty() ? "" : out_path;
   statement.chg_path = statement.chg_path.empty() ? "" : chg_path;
-  EvalContext context;
+  EvalContext context(needs_of(statement));
   AtomVector result = evaluate_vector_expression(statement.expression, context);
   if (!statement.sum_text.empty()) {
     const double total = evaluate_scalar_expression(statement.sum_text, context);

@@ -18,7 +18,7 @@ void compare_keys(const KvMap& map, const reference::KvMap& expected) {
   for (const auto& [key, value] : expected) {
     const auto found = map.find(key);
     require(found.has_value(), "a key that is missing");
-    require_equal(std::string(*found), value, "value of a key");
+    require_equal(*found, value, "value of a key");
     for (const std::string& other : {key + "0", key.substr(1), "atoms." + key, "atoms.1." + key}) {
       require(map.find(other).has_value() == (expected.count(other) > 0), "a key beside");
     }
@@ -41,7 +41,7 @@ void compare_columns(const KvMap& map, const reference::KvMap& expected) {
       if (!found) {
         break;
       }
-      require_equal(std::string(*found), pair->second, "value of an atom");
+      require_equal(*found, pair->second, "value of an atom");
     }
   }
 }

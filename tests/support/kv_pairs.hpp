@@ -25,8 +25,8 @@ class KvPairs {
 
   static Entries of(const AtomColumn& column) {
     Entries entries;
-    for (const ValueText& value : column.leading_) {
-      entries.emplace_back(entries.size() + 1, value.text());
+    for (std::size_t i = 0; i < column.leading().size(); ++i) {
+      entries.emplace_back(i + 1, column.leading().text(i));
     }
     for (const auto& [atom, value] : column.beyond_gap_) {
       entries.emplace_back(atom, value.text());

@@ -6,7 +6,6 @@
 #include <optional>
 #include <random>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -70,8 +69,8 @@ TEST_P(AssignedColumn, ListsItsAtomsInOrder) {
 }
 
 TEST_P(AssignedColumn, FindsEveryAtom) {
-  const std::map<std::uint64_t, std::string_view> expected(GetParam().expected.begin(),
-                                                           GetParam().expected.end());
+  const std::map<std::uint64_t, std::string> expected(GetParam().expected.begin(),
+                                                      GetParam().expected.end());
   for (const std::uint64_t atom : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 11U, 12U}) {
     const auto found = expected.find(atom);
     EXPECT_EQ(column_.find(atom),
@@ -163,9 +162,8 @@ TEST(AtomColumn, BehavesAsAnOrderedMapOfItsAtoms) {
       const std::uint64_t asked = random_atom(random, expected.size());
       if (looks_up_between) {
         const auto found = expected.find(asked);
-        ASSERT_EQ(column.find(asked), found == expected.end()
-                                          ? std::nullopt
-                                          : std::optional<std::string_view>(found->second));
+        ASSERT_EQ(column.find(asked),
+                  found == expected.end() ? std::nullopt : std::optional(found->second));
       }
     }
     ASSERT_EQ(entries_of(column), Assignments(expected.begin(), expected.end()))

@@ -87,11 +87,80 @@ TEST(EvalContext, DropsValuesButNotGeometries) {
   EXPECT_EQ(task.atoms[0], (GeomAtom{"H", 1, 2, 3}));
 }
 
+// What a statement needs
+
+// The positions of tasks "a" and "b", read in this order for the statement "q = a:q" with these
+// options, after "a" was used or before.
+std::string kept_positions(const std::string& options, bool is_used) {
+  const TaskTree tree;
+  tree.write("a/a.xyz", "1\n\nH 1 2 3\n");
+  tree.write("b/b.xyz", "1\n\nH 1 2 3\n");
+  const DslStatement statement = parse_dsl_statement("q = a:q" + options);
+  EvalContext context(needs_of(statement));
+  std::string kept;
+  for (const char* const name : {"a", "b"}) {
+    kept += resolve_task(context, name).atoms.has_positions() ? name : "";
+    if (is_used) {
+      context.add_used_task(name);
+    }
+  }
+  return kept;
+}
+
+TEST(NeedsOfAStatement, AreThePositionsThatItMayWrite) {
+  EXPECT_EQ(kept_positions("", true), "");
+  EXPECT_EQ(kept_positions(" --out o.xyz", true), "a");
+  EXPECT_EQ(kept_positions(" --chg o.chg", true), "a");
+  EXPECT_EQ(kept_positions(" --out o.xyz", false), "ab");
+  EXPECT_EQ(kept_positions(" --out o.xyz --geom b", true), "ab");
+  EXPECT_EQ(kept_positions(" --geom b", true), "");
+}
+
+TEST(NeedsOfAStatement, AreThePropertiesThatItMayName) {
+  const TaskTree tree;
+  tree.add_task("a", "atoms.1.q=1\natoms.1.p=2\ncharge=3\n");
+  const DslStatement statement = parse_dsl_statement("p = a:q");
+  EvalContext context(needs_of(statement));
+  const KvMap& pairs = resolve_task(context, "a").kv;
+  EXPECT_EQ(pairs.find("atoms.1.q"), "1");
+  EXPECT_EQ(pairs.find("atoms.1.p"), std::nullopt);
+  EXPECT_EQ(pairs.find("charge"), "3");
+}
+
+TEST(EvalContext, KeepsEverythingUnlessToldOtherwise) {
+  const TaskTree tree;
+  tree.add_task("a", "atoms.1.q=1\n");
+  tree.write("a/a.xyz", "1\n\nH 1 2 3\n");
+  EvalContext context;
+  EXPECT_TRUE(resolve_task(context, "a").atoms.has_positions());
+  EXPECT_EQ(resolve_task(context, "a").kv.find("atoms.1.q"), "1");
+}
+
+TEST(EvalContext, KeepsTheSymbolsOfLikeTasksOnce) {
+  const TaskTree tree;
+  tree.write("a/a.xyz", "2\n\nH 1 2 3\nOxygen18 4 5 6\n");
+  tree.write("b/b.xyz", "2\n\nH 1 2 4\nOxygen18 4 5 7\n");
+  tree.write("c/c.xyz", "2\n\nH 1 2 4\nOxygen17 4 5 7\n");
+  tree.write("d/d.xyz", "1\n\nH 1 2 4\n");
+  EvalContext context;
+  const Geometry& a = resolve_task(context, "a").atoms;
+  const Geometry& b = resolve_task(context, "b").atoms;
+  const Geometry& c = resolve_task(context, "c").atoms;
+  const Geometry& d = resolve_task(context, "d").atoms;
+  EXPECT_TRUE(b.shares_symbols(a));
+  EXPECT_FALSE(c.shares_symbols(b));
+  EXPECT_FALSE(d.shares_symbols(c));
+  EXPECT_EQ(a[1], (GeomAtom{"Oxygen18", 4, 5, 6}));
+  EXPECT_EQ(b[1], (GeomAtom{"Oxygen18", 4, 5, 7}));
+  EXPECT_EQ(c[1], (GeomAtom{"Oxygen17", 4, 5, 7}));
+  EXPECT_EQ(d[0], (GeomAtom{"H", 1, 2, 4}));
+}
+
 TEST(EvalContext, ReadsGeometriesWithoutPositionsIfTheyAreOnlyChecked) {
   const TaskTree tree;
   tree.write("a/a.xyz", "1\n\nH 1 2 x\n");
   tree.write("a/b.xyz", "1\n\nO 1 2 3\n");
-  EvalContext context(Positions::checked);
+  EvalContext context({.positions = PositionsOf::no_task});
   const TaskDir& task = resolve_task(context, "a");
   ASSERT_EQ(task.atoms.size(), 1U);
   EXPECT_EQ(task.atoms.symbol(0), "O");

@@ -246,6 +246,35 @@ TEST(KvMap, TakesPropertiesInAnotherOrderForEveryAtom) {
   EXPECT_EQ(pairs_of(map), expected);
 }
 
+TEST(KvMap, KeepsNoValuesThatItsFilterRefuses) {
+  const PropertyFilter keeps = [](std::string_view property) { return property.starts_with("q"); };
+  KvMap map(keeps);
+  for (const char* const key : {"atoms.1.p", "atoms.1.q", "atoms.1.qq", "atoms.2.p", "atoms.2.q",
+                                "atoms.2.qq", "atoms.4.p", "atoms.4.q", "p", "atoms.1.p"}) {
+    map.assign(key, key);
+  }
+  const Pairs expected = {{"atoms.1.q", "atoms.1.q"}, {"atoms.1.qq", "atoms.1.qq"},
+                          {"atoms.2.q", "atoms.2.q"}, {"atoms.2.qq", "atoms.2.qq"},
+                          {"atoms.4.q", "atoms.4.q"}, {"p", "p"}};
+  EXPECT_EQ(pairs_of(map), expected);
+  EXPECT_EQ(map.find("atoms.1.p"), std::nullopt);
+}
+
+TEST(KvMap, AsksItsFilterOnceForEachProperty) {
+  std::vector<std::string> asked;
+  const PropertyFilter keeps = [&asked](std::string_view property) {
+    asked.emplace_back(property);
+    return property != "p";
+  };
+  KvMap map(keeps);
+  for (std::uint64_t atom = 1; atom <= 20; ++atom) {
+    map.assign(atom_key_text(atom, "p"), "1");
+    map.assign(atom_key_text(atom, "q"), "2");
+    map.assign("scalar", "3");
+  }
+  EXPECT_EQ(asked, (std::vector<std::string>{"p", "q"}));
+}
+
 // Against an ordered map
 
 std::string random_number(std::mt19937_64& random, std::uint64_t next) {
@@ -321,9 +350,8 @@ TEST(RandomMap, BehavesAsAnOrderedMap) {
       const std::string asked = random_key(random, expected.size());
       if (looks_up_between) {
         const auto found = expected.find(asked);
-        ASSERT_EQ(map.find(asked), found == expected.end()
-                                       ? std::nullopt
-                                       : std::optional<std::string_view>(found->second))
+        ASSERT_EQ(map.find(asked),
+                  found == expected.end() ? std::nullopt : std::optional(found->second))
             << "key " << asked;
       }
     }
