@@ -38,7 +38,7 @@ class Geometry {
 
   void reserve(std::size_t count, Positions positions);
   void push_back(const GeomAtom& atom);
-  void push_back_symbol(std::string_view symbol);
+  void push_back_symbol(std::string_view text);
 
   // Shares the symbols of the other geometry, until an atom is added, if they are the same. The
   // tasks of a run mostly have the same atoms; with 10,000 of them, this saves a fifth of the
