@@ -1,6 +1,7 @@
 """The program under test, as a shell finds it, and what it and the system are capable of."""
 
 import os
+import pathlib
 import re
 import shlex
 import shutil
@@ -122,6 +123,16 @@ def give_away(path, user):
             os.chown(os.path.join(directory, name), user, user, follow_symlinks=False)
 
 
+def brought_near(word, directory):
+    """The file itself, or a copy in the directory if another user has no way to it."""
+    if not os.path.isfile(word):
+        return word
+    parents = pathlib.Path(word).resolve().parents
+    if all(parent.stat().st_mode & stat.S_IXOTH for parent in parents):
+        return word
+    return shutil.copy(word, os.fsdecode(directory) + "/copy-of-" + os.path.basename(word))
+
+
 def run_shell(commands, directory, environment, output, user):
     """The exit status of a shell whose standard output and error go to two files."""
     # Files, since a server that the program starts may keep a pipe open.
@@ -197,8 +208,11 @@ class Target:
         os.mkdir(directory)
         path = directory + b"/vqvec"
         if len(self.words) > 1:
+            words = self.words
+            if is_copy:
+                words = [brought_near(word, directory) for word in words]
             with open(path, "w", encoding="utf-8") as file:
-                file.write(f'#!/bin/sh\nexec {shlex.join(self.words)} "$@"\n')
+                file.write(f'#!/bin/sh\nexec {shlex.join(words)} "$@"\n')
             os.chmod(path, 0o755)
         elif is_copy:  # another user may have no way to the program
             shutil.copy(shutil.which(self.words[0]), path)
