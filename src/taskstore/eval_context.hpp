@@ -3,9 +3,9 @@
 #ifndef VQVEC_TASKSTORE_EVAL_CONTEXT_HPP
 #define VQVEC_TASKSTORE_EVAL_CONTEXT_HPP
 
+#include <map>
+#include <set>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -50,11 +50,12 @@ class EvalContext {
 
   Positions positions_of_next_task() const;
 
-  Needs needs_;                                          // never moved: the tasks refer to it
-  std::unordered_map<std::string_view, TaskDir> tasks_;  // by trimmed task text
-  const TaskDir* latest_task_ = nullptr;                 // the one read last
+  const Needs needs_;
+  // Ordered, since names can be made that all have the same hash.
+  std::map<std::string_view, TaskDir> tasks_;  // by trimmed task text
+  std::set<std::string_view> is_used_;
   std::vector<std::string_view> used_tasks_;
-  std::unordered_set<std::string_view> is_used_;
+  const TaskDir* latest_task_ = nullptr;  // the one read last
 };
 
 // The task of the trimmed text, read on first use and never again. The reference is valid as long
