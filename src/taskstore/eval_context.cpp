@@ -8,7 +8,6 @@
 #include "dsl/lexical.hpp"
 
 namespace vqvec {
-
 namespace {
 
 PositionsOf written_positions(const DslStatement& statement) {
