@@ -16,8 +16,8 @@ constexpr std::uint64_t limit = 100'000'000;  // one more than eight digits can 
 
 // NOLINTBEGIN(readability-magic-numbers): only positions and powers of ten.
 
-// Eight characters in memory. Compilers turn the loop of store() into one instruction, but not always
-// that of load(), hence the copy.
+// Eight characters in memory. Compilers turn the loop of store() into one instruction, but not
+// always that of load(), hence the copy.
 inline std::uint64_t load(const char* text) {
   std::uint64_t bytes = 0;
   if constexpr (std::endian::native == std::endian::little) {

@@ -20,8 +20,8 @@ class FieldReader {
   // bytes that a stream would consume.
   std::optional<double> read_number();
 
-  // Passes over a number, in half the time of reading it. False, with the same bytes consumed, where
-  // read_number() gives nothing.
+  // Passes over a number, in half the time of reading it. False, with the same bytes consumed,
+  // where read_number() gives nothing.
   bool skip_number();
 
   // The bytes not read yet.
