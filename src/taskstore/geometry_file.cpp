@@ -99,11 +99,8 @@ void Geometry::push_back_symbol(std::string_view text) {
   symbol.size = longest_in_place + 1;
 }
 
-Geometry::Symbols& Geometry::own_symbols() {
-  if (symbols_.use_count() > 1) {
-    symbols_ = std::make_shared<Symbols>(*symbols_);
-  }
-  return *symbols_;
+void Geometry::copy_symbols() {
+  symbols_ = std::make_shared<Symbols>(*symbols_);
 }
 
 void Geometry::share_symbols(const Geometry& other) {

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -54,7 +55,10 @@ class Geometry {
     std::array<unsigned char, longest_in_place> bytes;
     unsigned char size;  // of a text kept in place, or one more than any
 
-    bool operator==(const Symbol&) const = default;
+    // Compilers make one comparison of this, but not of comparing bytes and size.
+    bool operator==(const Symbol& other) const {
+      return std::memcmp(this, &other, sizeof other) == 0;
+    }
   };
   struct Symbols {
     std::vector<Symbol> texts;
@@ -68,7 +72,13 @@ class Geometry {
     double z;
   };
 
-  Symbols& own_symbols();
+  Symbols& own_symbols() {
+    if (symbols_.use_count() > 1) {
+      copy_symbols();
+    }
+    return *symbols_;
+  }
+  void copy_symbols();
 
   std::shared_ptr<Symbols> symbols_ = std::make_shared<Symbols>();
   std::vector<Position> positions_;
