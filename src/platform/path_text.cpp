@@ -6,20 +6,32 @@ namespace vqvec {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+constexpr bool has_drives = fs::path::preferred_separator == '\\';
+
+}  // namespace
+
 fs::path to_path(std::string_view text) {
-  return std::u8string(text.begin(), text.end());
+  if constexpr (has_drives) {
+    return std::u8string(text.begin(), text.end());
+  } else {
+    return text;
+  }
 }
 
 std::string to_text(const fs::path& path) {
-  constexpr auto separator = static_cast<char>(fs::path::preferred_separator);
-  const std::u8string bytes = path.u8string();
-  std::string text(bytes.begin(), bytes.end());
-  std::replace(text.begin(), text.end(), separator, '/');
-  return text;
+  if constexpr (has_drives) {
+    const std::u8string bytes = path.u8string();
+    std::string text(bytes.begin(), bytes.end());
+    std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+  } else {
+    return path.string();
+  }
 }
 
 bool has_root(std::string_view path_text) {
-  constexpr bool has_drives = fs::path::preferred_separator == '\\';
   if constexpr (has_drives) {
     return to_path(path_text).has_root_path();
   } else {
