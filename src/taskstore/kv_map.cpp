@@ -28,17 +28,6 @@ std::optional<AtomKey> parse_atom_key(std::string_view key) {
   return AtomKey{atom, key.substr(static_cast<std::size_t>(dot - key.data()) + 1)};
 }
 
-void AtomColumn::add(std::uint64_t atom, std::string_view value, TextArena& arena) {
-  if (atom - 1 > leading_.size()) {
-    beyond_gap_[atom].assign(value, arena);
-    return;
-  }
-  leading_.push_back(value, arena);
-  if (!beyond_gap_.empty()) {
-    close_gap(arena);
-  }
-}
-
 // Moves the values that no longer lie beyond a gap.
 void AtomColumn::close_gap(TextArena& arena) {
   auto next = beyond_gap_.begin();

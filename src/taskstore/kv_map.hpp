@@ -38,10 +38,16 @@ class AtomColumn {
   // A later value of the same atom replaces the earlier one. The text is stored in the arena, which
   // must be the same in every call, and outlive the column.
   void assign(std::uint64_t atom, std::string_view value, TextArena& arena) {
-    if (atom - 1 < leading_.size()) {
-      leading_.replace(static_cast<std::size_t>(atom) - 1, value, arena);
+    const std::uint64_t index = atom - 1;
+    if (index < leading_.size()) {
+      leading_.replace(static_cast<std::size_t>(index), value, arena);
+    } else if (index > leading_.size()) {
+      beyond_gap_[atom].assign(value, arena);
     } else {
-      add(atom, value, arena);
+      leading_.push_back(value, arena);
+      if (!beyond_gap_.empty()) {
+        close_gap(arena);
+      }
     }
   }
 
@@ -54,7 +60,6 @@ class AtomColumn {
  private:
   friend class KvPairs;
 
-  void add(std::uint64_t atom, std::string_view value, TextArena& arena);
   void close_gap(TextArena& arena);
 
   ValueTexts leading_;
