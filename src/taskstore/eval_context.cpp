@@ -32,11 +32,10 @@ Needs needs_of(const DslStatement& statement) {
 }
 
 void EvalContext::add_used_task(std::string_view task_text) {
-  if (is_used_.contains(task_text)) {
-    return;
-  }
   used_tasks_.push_back(task_text);  // first, so that no task is missing if memory runs out now
-  is_used_.insert(task_text);
+  if (!is_used_.insert(task_text).second) {
+    used_tasks_.pop_back();
+  }
 }
 
 void EvalContext::drop_values() {
@@ -55,15 +54,19 @@ Positions EvalContext::positions_of_next_task() const {
 
 const TaskDir& resolve_task(EvalContext& context, std::string_view text) {
   const std::string_view name = trim(text);
-  const auto known = context.tasks_.find(name);
-  if (known != context.tasks_.end()) {
-    return known->second;
+  const TaskDir* const latest = context.latest_task_;
+  if (latest != nullptr && latest->name == name) {  // its weight was asked for, now its vector is
+    return *latest;
+  }
+  const auto place = context.tasks_.lower_bound(name);
+  if (place != context.tasks_.end() && place->first == name) {
+    return place->second;
   }
   TaskDir task = read_task_dir(name, context.positions_of_next_task(), context.needs_.property);
-  if (context.latest_task_ != nullptr) {
-    task.atoms.share_symbols(context.latest_task_->atoms);
+  if (latest != nullptr) {
+    task.atoms.share_symbols(latest->atoms);
   }
-  context.latest_task_ = &context.tasks_.emplace(name, std::move(task)).first->second;
+  context.latest_task_ = &context.tasks_.emplace_hint(place, name, std::move(task))->second;
   return *context.latest_task_;
 }
 

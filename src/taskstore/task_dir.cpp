@@ -142,8 +142,8 @@ Place find_place(std::string_view name) {
   if (is_working_directory_name(name)) {
     return {here, find_files(here).value_or(std::vector<TaskFile>())};
   }
-  const std::string siblings = to_text(working_directory.parent_path());
-  for (const std::string& base : {siblings, here, std::string()}) {
+  const std::string bases[] = {to_text(working_directory.parent_path()), here, std::string()};
+  for (const std::string& base : bases) {
     if (base.size() + name.size() > longest_path) {
       continue;
     }
@@ -151,7 +151,7 @@ Place find_place(std::string_view name) {
       return {base, *std::move(files)};
     }
   }
-  return {siblings, {}};
+  return {bases[0], {}};
 }
 
 }  // namespace
