@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -99,12 +100,22 @@ void report(const DslStatement& statement, std::size_t atom_count) {
   write_line_end_and_flush(std::cout);
 }
 
+// Makes room for the text of the files, unless that is small.
+void drop_values_for(const AtomVector& result, EvalContext& context) {
+  constexpr std::size_t many_atoms = 10'000;
+  if (result.size() > many_atoms) {
+    context.drop_values();
+  }
+}
+
 void run_statement(const AtomCommandOptions& options) {
   const DslStatement statement = parse_dsl_statement(options.dsl);
-  EvalContext context(needs_of(statement));
+  // Not taken apart at the end: with thousands of tasks, that would take 4 % of the run.
+  static auto* const kept_context = new std::optional<EvalContext>;
+  EvalContext& context = kept_context->emplace(needs_of(statement));
   const AtomVector result = evaluate_statement(statement, context);
   run_checks(statement, result, context);
-  context.drop_values();  // makes room for the text of the files
+  drop_values_for(result, context);
   write_kv_outputs(options, statement.target, result);
   if (statement.writes_geometry()) {
     write_geometry_outputs(statement, result, context);
