@@ -10,6 +10,9 @@ namespace {
 
 void store_line(std::string_view raw, KvMap& pairs) {
   const std::string_view line = trim(raw);
+  if (pairs.assign_expected(line)) {
+    return;
+  }
   const auto equals = line.find('=');
   if (equals == std::string_view::npos || line.starts_with('#')) {
     return;

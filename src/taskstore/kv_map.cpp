@@ -73,17 +73,23 @@ void ExpectedAtomKey::advance() {
   }
 }
 
-void KvMap::assign(std::string_view key, std::string_view value) {
-  if (latest_ < columns_.size()) {
-    const std::size_t guess = columns_[latest_].next;
-    Column& column = columns_[guess];
-    if (key == column.expected_key.text()) {
-      assign_value(column, column.expected_key.atom(), value);
-      column.expected_key.advance();
-      latest_ = guess;
-      return;
-    }
+bool KvMap::assign_expected(std::string_view line) {
+  if (latest_ >= columns_.size()) {
+    return false;
   }
+  const std::size_t guess = columns_[latest_].next;
+  Column& column = columns_[guess];
+  const std::string& key = column.expected_key.text();
+  if (!line.starts_with(key) || line.size() == key.size() || line[key.size()] != '=') {
+    return false;
+  }
+  assign_value(column, column.expected_key.atom(), line.substr(key.size() + 1));
+  column.expected_key.advance();
+  latest_ = guess;
+  return true;
+}
+
+void KvMap::assign(std::string_view key, std::string_view value) {
   if (const std::optional<AtomKey> atom_key = parse_atom_key(key)) {
     assign_atom(*atom_key, value);
   } else {

@@ -21,10 +21,17 @@ using std::string_literals::operator""s;
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
+// As a line of a file is assigned.
+void assign_pair(KvMap& map, const std::string& key, const std::string& value) {
+  if (!map.assign_expected(key + "=" + value)) {
+    map.assign(key, value);
+  }
+}
+
 KvMap map_of(const Pairs& assigned) {
   KvMap map;
   for (const auto& [key, value] : assigned) {
-    map.assign(key, value);
+    assign_pair(map, key, value);
   }
   return map;
 }
@@ -127,7 +134,7 @@ TEST_P(AssignedMap, KeepsItsPairsWhenItIsMoved) {
   KvMap other = map_of({{"atoms.1.q", "old"}, {"other", "old"}});
   other = std::move(map);
   EXPECT_EQ(pairs_of(other), GetParam().expected);
-  other.assign("atoms.1.new", "1");
+  assign_pair(other, "atoms.1.new", "1");
   EXPECT_EQ(other.find("atoms.1.new"), "1");
 }
 
@@ -136,7 +143,7 @@ TEST_P(AssignedMap, CanBeUsedAgainAfterItWasMoved) {
   const KvMap other = std::move(map);
   const Pairs later = {{"atoms.1.p", "1"}, {"atoms.1.r", std::string(30, 'x')}, {"k", "v"}};
   for (const auto& [key, value] : later) {
-    map.assign(key, value);  // NOLINT(bugprone-use-after-move)
+    assign_pair(map, key, value);  // NOLINT(bugprone-use-after-move)
   }
   EXPECT_EQ(pairs_of(map), later);
   EXPECT_EQ(pairs_of(other), GetParam().expected);
@@ -208,6 +215,51 @@ TEST(KvMap, LooksOnlyAtTheBytesOfAKeyThatIsPartOfALongerText) {
   EXPECT_EQ(map.find(text), std::nullopt);
 }
 
+// Lines whose key is expected
+
+TEST(KvMap, ExpectsNoKeyAtFirst) {
+  KvMap map;
+  EXPECT_FALSE(map.assign_expected("atoms.1.q=1"));
+  map.assign("k", "v");
+  EXPECT_FALSE(map.assign_expected("k=w"));
+  EXPECT_FALSE(map.assign_expected("=w"));
+  EXPECT_EQ(pairs_of(map), (Pairs{{"k", "v"}}));
+}
+
+struct LineCase {
+  const char* name;
+  std::string line;
+  std::optional<std::string> value;  // if the key is that of atom 2
+};
+const std::vector<LineCase> line_cases = {
+    {"ExpectedKey", "atoms.2.q=0.5", "0.5"},
+    {"NoValue", "atoms.2.q=", ""},
+    {"ValueWithAnEqualsSign", "atoms.2.q==a=b", "=a=b"},
+    {"ValueWithBlanks", "atoms.2.q= a ", " a "},
+    {"NoEqualsSign", "atoms.2.q", std::nullopt},
+    {"BlankBeforeTheEqualsSign", "atoms.2.q =1", std::nullopt},
+    {"BlankInFront", " atoms.2.q=1", std::nullopt},
+    {"LongerProperty", "atoms.2.qq=1", std::nullopt},
+    {"ShorterProperty", "atoms.2.=1", std::nullopt},
+    {"OtherAtom", "atoms.3.q=1", std::nullopt},
+    {"SameAtomAgain", "atoms.1.q=1", std::nullopt},
+    {"OtherKey", "k=1", std::nullopt},
+    {"NoKey", "=1", std::nullopt},
+    {"NoLine", "", std::nullopt},
+};
+class ExpectedLine : public testing::TestWithParam<LineCase> {};
+
+TEST_P(ExpectedLine, IsAssignedAtOnce) {
+  KvMap map;
+  map.assign("atoms.1.q", "first");
+  EXPECT_EQ(map.assign_expected(GetParam().line), GetParam().value.has_value());
+  EXPECT_EQ(map.find("atoms.1.q"), "first");
+  EXPECT_EQ(map.find("atoms.2.q"), GetParam().value);
+  EXPECT_EQ(pairs_of(map).size(), GetParam().value ? 2U : 1U);
+}
+INSTANTIATE_TEST_SUITE_P(Lines, ExpectedLine, testing::ValuesIn(line_cases),
+                         [](const auto& one) { return std::string(one.param.name); });
+
 // Columns
 
 TEST(KvMap, HasAColumnForEachProperty) {
@@ -251,7 +303,7 @@ TEST(KvMap, KeepsNoValuesThatItsFilterRefuses) {
   KvMap map(keeps);
   for (const char* const key : {"atoms.1.p", "atoms.1.q", "atoms.1.qq", "atoms.2.p", "atoms.2.q",
                                 "atoms.2.qq", "atoms.4.p", "atoms.4.q", "p", "atoms.1.p"}) {
-    map.assign(key, key);
+    assign_pair(map, key, key);
   }
   const Pairs expected = {{"atoms.1.q", "atoms.1.q"}, {"atoms.1.qq", "atoms.1.qq"},
                           {"atoms.2.q", "atoms.2.q"}, {"atoms.2.qq", "atoms.2.qq"},
@@ -268,9 +320,9 @@ TEST(KvMap, AsksItsFilterOnceForEachProperty) {
   };
   KvMap map(keeps);
   for (std::uint64_t atom = 1; atom <= 20; ++atom) {
-    map.assign(atom_key_text(atom, "p"), "1");
-    map.assign(atom_key_text(atom, "q"), "2");
-    map.assign("scalar", "3");
+    assign_pair(map, atom_key_text(atom, "p"), "1");
+    assign_pair(map, atom_key_text(atom, "q"), "2");
+    assign_pair(map, "scalar", "3");
   }
   EXPECT_EQ(asked, (std::vector<std::string>{"p", "q"}));
 }
@@ -345,7 +397,7 @@ TEST(RandomMap, BehavesAsAnOrderedMap) {
     for (auto steps = random() % 100; steps > 0; --steps) {
       const std::string key = random_key(random, expected.size() / 2 + 1);
       const std::string value = random_value(random);
-      map.assign(key, value);
+      assign_pair(map, key, value);
       expected[key] = value;
       const std::string asked = random_key(random, expected.size());
       if (looks_up_between) {
@@ -400,7 +452,7 @@ TEST_P(OrderOfAtoms, MakesNoDifference) {
     const auto assign = [&](std::uint64_t atom, const char* property) {
       const std::string key = "atoms." + std::to_string(atom) + "." + property;
       const std::string value = std::to_string(random() % 1'000);
-      map.assign(key, value);
+      assign_pair(map, key, value);
       expected[key] = value;
     };
     if (property_by_property) {
