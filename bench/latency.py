@@ -123,14 +123,17 @@ def count(job, few, many, tasks):
     )
 
 
-def median_seconds(job, directory, rounds, remove_outputs):
-    """At each of the delays."""
-    medians = []
+def median_seconds(jobs, directory, rounds, remove_outputs):
+    """At each of the delays, by job. The jobs run in turn."""
+    medians = {job.name: [] for job in jobs}
     for delay in DELAYS:
-        times = []
+        times = collections.defaultdict(list)
         for _ in range(rounds):
-            remove_outputs()
-            with slowed(directory, delay) as place:
-                times.append(run(job, place))
-        medians.append(statistics.median(times))
+            for job in jobs:
+                remove_outputs()
+                with slowed(directory, delay) as place:
+                    times[job.name].append(run(job, place))
+        for name, seconds in times.items():
+            medians[name].append(statistics.median(seconds))
+    remove_outputs()
     return medians
