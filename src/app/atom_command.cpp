@@ -110,7 +110,8 @@ void drop_values_for(const AtomVector& result, EvalContext& context) {
 
 void run_statement(const AtomCommandOptions& options) {
   const DslStatement statement = parse_dsl_statement(options.dsl);
-  // Not taken apart at the end: with thousands of tasks, that would take 4 % of the run.
+  // Not taken apart at the end: with thousands of tasks, that would take 4 % of the run. Nothing
+  // may use it later, since its views of the statement are not valid then.
   static auto* const kept_context = new std::optional<EvalContext>;
   EvalContext& context = kept_context->emplace(needs_of(statement));
   const AtomVector result = evaluate_statement(statement, context);
