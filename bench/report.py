@@ -25,7 +25,7 @@ The slow file system is bindfs, a FUSE program that shows another directory, wit
 on a file delayed by strace. It is mounted anew for each run, so that the kernel knows no file yet.
 The programs themselves are on a fast disk.
 
-To repeat the measurement, run `script/bench` in the sources (a quarter of an hour, 3 GB of disk).
+To repeat the measurement, run `script/bench` in the sources (20 minutes, 3 GB of disk).
 """
 
 NETWORK = """\
